@@ -1,0 +1,91 @@
+#include "core/model/file_item.h"
+
+#include "core/model/byte_format.h"
+
+namespace sondrel {
+
+FileItem::FileItem(std::shared_ptr<FileTree> tree, FileNode* node)
+    : m_tree(std::move(tree)), m_node(node) {}
+
+FileItem FileItem::rootOf(std::shared_ptr<FileTree> tree) {
+    if (!tree || tree->root() == nullptr) {
+        return {};
+    }
+    FileNode* root = tree->root();
+    return {std::move(tree), root};
+}
+
+FileItemId FileItem::id() const {
+    if (m_node == nullptr) {
+        return {};
+    }
+    return {m_tree->serial(), reinterpret_cast<std::uintptr_t>(m_node)};
+}
+
+std::string FileItem::url() const {
+    return m_tree->pathOf(m_node);
+}
+
+std::vector<FileItem> FileItem::children() const {
+    std::vector<FileItem> list;
+    list.reserve(m_node->childCount);
+    for (FileNode* child = m_node->firstChild; child != nullptr; child = child->nextSibling) {
+        list.emplace_back(m_tree, child);
+    }
+    return list;
+}
+
+void FileItem::forEachChild(const std::function<void(const FileNode&)>& visit) const {
+    for (const FileNode* child = m_node->firstChild; child != nullptr; child = child->nextSibling) {
+        visit(*child);
+    }
+}
+
+FileItem FileItem::parent() const {
+    if (m_node->parent == nullptr || m_node->isDetached()) {
+        return {};
+    }
+    return {m_tree, m_node->parent};
+}
+
+std::string FileItem::formattedSize() const {
+    return formatBytes(m_node->size);
+}
+
+double FileItem::percentageOfParent() const {
+    const FileItem up = parent();
+    if (!up || up.size() < 1) {
+        return 1.0;
+    }
+    return static_cast<double>(m_node->size) / static_cast<double>(up.size());
+}
+
+ReclaimableStatus FileItem::reclaimableStatus() const {
+    return reclaimableStatusFor(url());
+}
+
+std::string_view FileItem::removalRationale() const {
+    return removalRationaleFor(url(), m_node->category);
+}
+
+bool FileItem::removeFromParent() const {
+    FileNode* up = m_node->parent;
+    if (up == nullptr || m_node->isDetached()) {
+        return false;
+    }
+    FileNode** link = &up->firstChild;
+    while (*link != nullptr) {
+        if (*link == m_node) {
+            *link = m_node->nextSibling;
+            --up->childCount;
+        } else {
+            link = &(*link)->nextSibling;
+        }
+    }
+    m_node->nextSibling = nullptr;
+    m_node->flags |= FileNode::kDetached;
+    up->size -= m_node->size;
+    return true;
+}
+
+} // namespace sondrel

@@ -1,0 +1,136 @@
+#pragma once
+// Compact storage for the scanned size tree.
+//
+// A tree holds millions of nodes, so a node is a fixed 48-byte header followed by its name
+// bytes, allocated from chunked arenas. A node stores no path: its location is derived from the
+// parent chain and the tree's root path. Children are a singly linked list in display order
+// (largest first after sorting). Nodes are never freed one by one; the whole tree is released
+// with its last owner (see FileItem, which holds the tree through a shared_ptr).
+//
+// Threading: an arena is used by one thread at a time. A scan gives every worker its own arena
+// and hands them all to the FileTree when it finishes; after that the tree is touched on one
+// thread only (the GUI thread in the app).
+
+#include "core/model/file_category.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sondrel {
+
+/// One node of the size tree. Created only by NodeArena; the name bytes follow the header.
+struct FileNode {
+    /// Flag bits of `flags`.
+    enum Flag : std::uint8_t {
+        kDirectory = 1U << 0, ///< a folder (an application bundle is one too)
+        kDetached = 1U << 1,  ///< removed from its parent's children (parent kept for the path)
+    };
+
+    FileNode* parent = nullptr;      ///< enclosing node; null for the root
+    FileNode* firstChild = nullptr;  ///< first child in display order
+    FileNode* nextSibling = nullptr; ///< next child of the same parent
+    std::int64_t size = 0;           ///< bytes: own size, or the sum of the descendants
+    std::int64_t fileCount = 1;      ///< files under the node; a file counts 1
+    std::uint32_t childCount = 0;    ///< length of the child list
+    std::uint16_t nameLength = 0;    ///< bytes of the name that follows this header
+    FileCategory category = FileCategory::other;
+    std::uint8_t flags = 0;
+
+    /// The name bytes as read from the disk (not necessarily UTF-8).
+    std::string_view name() const { return {reinterpret_cast<const char*>(this + 1), nameLength}; }
+    /// True for folders and bundles.
+    bool isDirectory() const { return (flags & kDirectory) != 0; }
+    /// True once the node was removed from its parent's child list.
+    bool isDetached() const { return (flags & kDetached) != 0; }
+};
+
+static_assert(sizeof(FileNode) == 48, "FileNode header must stay compact");
+
+/// Bump allocator of FileNodes. Not thread-safe: one arena per building thread.
+class NodeArena {
+public:
+    NodeArena() = default;
+    NodeArena(NodeArena&&) noexcept = default;
+    NodeArena& operator=(NodeArena&&) noexcept = default;
+    NodeArena(const NodeArena&) = delete;
+    NodeArena& operator=(const NodeArena&) = delete;
+    ~NodeArena() = default;
+
+    /// Creates a node with no parent and no children. Names longer than 65535 bytes are cut
+    /// (no file system allows such names). The node lives as long as the arena's memory.
+    FileNode* create(std::string_view name, bool isDirectory, std::int64_t size = 0,
+                     std::int64_t fileCount = 1, FileCategory category = FileCategory::other);
+
+    /// Bytes reserved by this arena's chunks.
+    std::size_t bytesReserved() const { return m_reserved; }
+    /// Bytes actually handed out to nodes (headers, names and alignment).
+    std::size_t bytesUsed() const { return m_used; }
+    /// Number of nodes created.
+    std::size_t nodeCount() const { return m_nodes; }
+
+private:
+    friend class FileTree;
+    std::vector<std::unique_ptr<std::byte[]>> m_chunks;
+    std::byte* m_cursor = nullptr;
+    std::size_t m_left = 0;
+    std::size_t m_reserved = 0;
+    std::size_t m_used = 0;
+    std::size_t m_nodes = 0;
+};
+
+/// Links `children` under `parent` in the given order, replacing any previous child list, and
+/// sets each child's `parent`. Does not change sizes.
+void setChildren(FileNode* parent, std::span<FileNode* const> children);
+
+/// Stable sort of `nodes` by size, largest first (equal sizes keep their order).
+void sortBySizeDescending(std::vector<FileNode*>& nodes);
+
+/// Owner of a whole scanned tree: its arenas, its root node and the root's absolute path.
+class FileTree {
+public:
+    /// Creates an empty tree whose root will live at `rootPath` (absolute, bytes).
+    explicit FileTree(std::string rootPath);
+    FileTree(const FileTree&) = delete;
+    FileTree& operator=(const FileTree&) = delete;
+    ~FileTree() = default;
+
+    /// Takes ownership of an arena's nodes (moved from `arena`). Call before sharing the tree.
+    void adopt(NodeArena&& arena);
+    /// Sets the root node (it must belong to an adopted arena or to `arena()`).
+    void setRoot(FileNode* root) { m_root = root; }
+
+    /// The tree's own arena, for building small trees on one thread (tests, single-threaded
+    /// builders). Nodes created here are owned by the tree.
+    NodeArena& arena() { return m_ownArena; }
+
+    /// The root node, null before setRoot.
+    FileNode* root() const { return m_root; }
+    /// Absolute path of the root node.
+    const std::string& rootPath() const { return m_rootPath; }
+    /// A number unique to this tree for the life of the process; part of every node's id.
+    std::uint64_t serial() const { return m_serial; }
+
+    /// Absolute path of `node`, derived from the parent chain (bytes, not necessarily UTF-8).
+    std::string pathOf(const FileNode* node) const;
+
+    /// Total nodes and bytes used by all arenas of this tree (for memory reports).
+    std::size_t nodeCount() const;
+    /// Bytes handed out to nodes including names and alignment.
+    std::size_t bytesUsed() const;
+    /// Bytes reserved in arena chunks (what the process actually holds).
+    std::size_t bytesReserved() const;
+
+private:
+    std::string m_rootPath;
+    std::uint64_t m_serial;
+    FileNode* m_root = nullptr;
+    NodeArena m_ownArena;
+    std::vector<NodeArena> m_arenas;
+};
+
+} // namespace sondrel

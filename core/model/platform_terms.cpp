@@ -1,0 +1,38 @@
+#include "core/model/platform_terms.h"
+
+#include <array>
+#include <utility>
+
+namespace sondrel {
+
+TextPlatform currentTextPlatform() {
+#ifdef __APPLE__
+    return TextPlatform::macos;
+#else
+    return TextPlatform::linux;
+#endif
+}
+
+std::string withPlatformTerms(std::string_view text, TextPlatform platform) {
+    std::string result(text);
+    if (platform == TextPlatform::macos) {
+        return result;
+    }
+    // Longer phrases first, so that "macOS Trash" is not half-replaced by the "macOS" rule.
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 5> kTerms = {{
+        {"macOS Trash", "Trash"},
+        {"Apple System Integrity Protection", "the system's package manager"},
+        {"Xcode DerivedData", "developer build caches"},
+        {"Finder", "Files"},
+        {"macOS", "Linux"},
+    }};
+    for (const auto& [from, to] : kTerms) {
+        for (std::size_t at = result.find(from); at != std::string::npos;
+             at = result.find(from, at + to.size())) {
+            result.replace(at, from.size(), to);
+        }
+    }
+    return result;
+}
+
+} // namespace sondrel

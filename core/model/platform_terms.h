@@ -1,0 +1,21 @@
+#pragma once
+// The program's texts name a few macOS-only things ("Finder", "macOS Trash"). On Linux those
+// words are replaced from one table so that every screen and the command line say the same.
+
+#include <string>
+#include <string_view>
+
+namespace sondrel {
+
+/// Which platform's words a text should use.
+enum class TextPlatform : unsigned char { linux, macos };
+
+/// The platform this build runs on.
+TextPlatform currentTextPlatform();
+
+/// `text` with the macOS-only terms replaced for `platform` (unchanged for macOS): "macOS Trash"
+/// -> "Trash", "Finder" -> "Files", "Apple System Integrity Protection" -> "the system's package
+/// manager", "Xcode DerivedData" -> "developer build caches", "macOS" -> "Linux".
+std::string withPlatformTerms(std::string_view text, TextPlatform platform);
+
+} // namespace sondrel
