@@ -1,0 +1,100 @@
+#include "app/storage_navigator.h"
+
+namespace sondrel {
+
+namespace {
+
+// True when `item` is `ancestor` or lies below it.
+bool isWithin(const FileItem& item, const FileItem& ancestor) {
+    for (FileItem node = item; node; node = node.parent()) {
+        if (node == ancestor) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+StorageNavigator::StorageNavigator(QObject* parent) : QObject(parent) {}
+
+void StorageNavigator::setRoot(FileItem root) {
+    m_root = std::move(root);
+    const bool hadSelection = static_cast<bool>(m_selected);
+    m_current = {};
+    m_selected = {};
+    emit treeChanged();
+    emit currentFolderChanged();
+    if (hadSelection) {
+        emit selectionChanged();
+    }
+}
+
+bool StorageNavigator::belongsToTree(const FileItem& item) const {
+    return item && m_root && item.tree() == m_root.tree() && isWithin(item, m_root);
+}
+
+void StorageNavigator::setCurrentFolder(const FileItem& folder) {
+    if (!belongsToTree(folder) || !folder.isDirectory() || folder == currentFolder()) {
+        return;
+    }
+    m_current = folder == m_root ? FileItem{} : folder;
+    emit currentFolderChanged();
+}
+
+void StorageNavigator::goUp() {
+    if (!m_current) {
+        return;
+    }
+    const FileItem up = m_current.parent();
+    m_current = (!up || up == m_root) ? FileItem{} : up;
+    emit currentFolderChanged();
+}
+
+void StorageNavigator::goToRoot() {
+    if (!m_current) {
+        return;
+    }
+    m_current = {};
+    emit currentFolderChanged();
+}
+
+void StorageNavigator::setSelectedItem(const FileItem& item) {
+    if (item && !belongsToTree(item)) {
+        return;
+    }
+    if (item == m_selected && static_cast<bool>(item) == static_cast<bool>(m_selected)) {
+        return;
+    }
+    m_selected = item;
+    emit selectionChanged();
+}
+
+void StorageNavigator::setVisualizerMode(int mode) {
+    if (mode == m_mode || mode < 0 || mode > 1) {
+        return;
+    }
+    m_mode = mode;
+    emit visualizerModeChanged();
+}
+
+bool StorageNavigator::trashFileItem(const FileItem& item) {
+    if (!item || !m_trasher || !m_trasher(item.url())) {
+        return false;
+    }
+    const bool selectionInside = m_selected && isWithin(m_selected, item);
+    const bool currentInside = m_current && isWithin(m_current, item);
+    item.removeFromParent();
+    if (currentInside) {
+        m_current = {};
+        emit currentFolderChanged();
+    }
+    if (selectionInside) {
+        m_selected = {};
+        emit selectionChanged();
+    }
+    emit treeMutated();
+    return true;
+}
+
+} // namespace sondrel
