@@ -1,0 +1,43 @@
+#pragma once
+// Permanent removal that cannot be tricked by symbolic links: folders are walked with
+// openat(O_NOFOLLOW | O_DIRECTORY) and entries removed with unlinkat relative to the open folder,
+// so swapping a folder for a link while the walk runs never leads outside the item.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace sondrel {
+
+/// One thing that could not be removed.
+struct RemovalFailure {
+    std::string path;   ///< the entry's path as walked (bytes)
+    std::string reason; ///< strerror text or a short explanation
+};
+
+/// What permanent removal did.
+struct RemovalReport {
+    bool removed = false;                 ///< nothing exists at the path afterwards
+    std::uint64_t removedEntries = 0;     ///< files, links and folders unlinked
+    std::vector<RemovalFailure> failures; ///< what stayed, with the reason
+};
+
+/// Removes `path` (absolute) and, for a folder, everything below it. A link at any level is
+/// removed itself, never followed; folders on another filesystem (mount points) are not entered
+/// and are reported; entries that cannot be removed (immutable, permission) are reported and the
+/// rest go on. When `path` is an entry of a trash's files/ folder (the home trash under
+/// `homeTrash`, or a $topdir/.Trash-$uid / .Trash/$uid), its .trashinfo and directorysizes line
+/// go too. Does not check the path against the safety rules: callers do (checkRemovablePath).
+/// Blocking; safe on any thread. Very deep trees are limited by the open-file limit (each level
+/// holds one descriptor); deeper levels are reported as failures.
+RemovalReport removePermanently(const std::string& path, const std::string& homeTrash = {});
+
+/// Clears the immutable and append-only attributes of `path` itself (FS_IOC_SETFLAGS) where the
+/// caller may; links and special files are left alone. Returns whether the flags are now clear
+/// (false also when the file system has no such flags). Never follows a final link.
+bool clearImmutableFlags(const std::string& path);
+
+/// True when something (of any kind, a dangling link too) exists at `path` (lstat).
+bool pathExists(const std::string& path);
+
+} // namespace sondrel

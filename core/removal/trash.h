@@ -1,0 +1,73 @@
+#pragma once
+// Moving items to a Trash as the freedesktop.org Trash specification 1.0 describes: the home
+// trash ($XDG_DATA_HOME/Trash) for items on the home trash's filesystem, $topdir/.Trash/$uid or
+// $topdir/.Trash-$uid for items on other filesystems. Items are only ever renamed, never copied:
+// when no trash on the item's filesystem can be used the result says so and the caller decides.
+
+#include <ctime>
+#include <functional>
+#include <string>
+#include <sys/types.h>
+
+namespace sondrel {
+
+/// Who is trashing and into which home trash. Plain values; cheap to copy.
+struct TrashContext {
+    std::string home;     ///< the user's home folder (absolute)
+    std::string dataHome; ///< $XDG_DATA_HOME (absolute); the home trash is dataHome + "/Trash"
+    uid_t uid = 0;        ///< the user whose trash is used (names .Trash-$uid and .Trash/$uid)
+    gid_t gid = 0;        ///< group given to what is created when running for another user
+    /// The clock for DeletionDate; empty means std::time(nullptr).
+    std::function<std::time_t()> clock;
+
+    /// dataHome + "/Trash".
+    std::string homeTrash() const;
+    /// The current time from `clock`, or std::time(nullptr).
+    std::time_t now() const;
+};
+
+/// Which trash an item went to.
+enum class TrashLocation : unsigned char {
+    none,         ///< nowhere: the move did not happen
+    home,         ///< the home trash
+    topDirShared, ///< $topdir/.Trash/$uid
+    topDirUser,   ///< $topdir/.Trash-$uid
+};
+
+/// The outcome of one move to a Trash.
+struct TrashResult {
+    bool ok = false; ///< the item was renamed into a trash's files/
+    TrashLocation location = TrashLocation::none;
+    std::string trashDir;    ///< the trash folder used (holds files/, info/)
+    std::string trashedPath; ///< where the item now is (files/<name>)
+    std::string infoPath;    ///< its .trashinfo
+    std::string error;       ///< why it failed (empty when ok)
+};
+
+/// Moves `path` (absolute; the item itself, never a link's target) to the Trash of its
+/// filesystem. The .trashinfo is created first with O_EXCL (a clash takes the next name,
+/// "name (1).ext", "name (2).ext", ...), the item is renamed into files/, and the .trashinfo is
+/// removed again if the rename fails. A trashed folder gets a directorysizes line. A
+/// top-directory trash is used only when .Trash is a real folder with the sticky bit (then
+/// .Trash/$uid, created 0700) or .Trash-$uid is (or can be created as) a 0700 folder owned by
+/// `context.uid` that is not a link. When the process runs as another user than `context.uid`
+/// (the privileged helper), what it creates is given to `context.uid`/`context.gid`. Blocking
+/// I/O on the caller's thread; safe on any thread.
+TrashResult moveToTrash(const std::string& path, const TrashContext& context);
+
+/// The fallback move into the home trash's files/ under the first free "name (n).ext", with its
+/// .trashinfo written first (O_EXCL) and removed again when the rename fails. Works only within
+/// one filesystem (rename); never copies. Creates the home trash folders when missing.
+TrashResult moveIntoHomeTrashManually(const std::string& path, const TrashContext& context);
+
+/// The candidate name number `n` for `name`: n == 0 gives `name`; otherwise base + " (" + n +
+/// ")" + "." + extension, or base + " (" + n + ")" when the name has no extension
+/// ("report.pdf", 2 -> "report (2).pdf"; ".bashrc", 1 -> ".bashrc (1)").
+std::string numberedName(const std::string& name, unsigned n);
+
+/// Removes the .trashinfo and the directorysizes line that belong to `name` in `trashDir`
+/// (after files/<name> was removed). Missing pieces are not an error. Returns false only when
+/// something present could not be removed.
+bool forgetTrashEntry(const std::string& trashDir, const std::string& name);
+
+} // namespace sondrel
