@@ -1,0 +1,41 @@
+import QtQuick
+import QtQuick.Layouts
+
+// The storage breakdown of the start-up volume: total, used, available, purgeable, free.
+SectionCard {
+    id: card
+
+    /// The "disk" map of the monitor's overview.
+    property var disk: ({})
+
+    title: "Storage"
+    iconName: "internaldrive.fill"
+    note: "Total: " + (disk.formattedTotal || "")
+
+    FigureRow {
+        Layout.fillWidth: true
+        theme: card.theme
+        label: "Used Space"
+        valueText: card.disk.formattedUsed || ""
+        valueColor: card.theme.accent
+    }
+    FigureRow {
+        Layout.fillWidth: true
+        theme: card.theme
+        label: "Available (Finder)"
+        valueText: card.disk.formattedEffectiveAvailable || ""
+        valueColor: card.theme.secondaryAccent
+    }
+    FigureRow {
+        Layout.fillWidth: true
+        theme: card.theme
+        label: "Purgeable"
+        valueText: card.disk.formattedPurgeable || ""
+    }
+    FigureRow {
+        Layout.fillWidth: true
+        theme: card.theme
+        label: "Physical Free"
+        valueText: card.disk.formattedFree || ""
+    }
+}
