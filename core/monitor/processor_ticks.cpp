@@ -7,7 +7,7 @@ namespace sondrel {
 namespace {
 
 bool isSpace(char c) {
-    return c == ' ' || c == '\t';
+    return c == ' ' || c == '\t' || c == '\r';
 }
 
 // Splits a line into blank-separated fields.
