@@ -1,0 +1,240 @@
+#include "core/removal/permanent_removal.h"
+
+#include "core/removal/path_safety.h"
+#include "core/removal/trash.h"
+
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace sondrel {
+
+namespace {
+
+// Closes a descriptor when it goes out of scope.
+class Fd {
+public:
+    explicit Fd(int fd) : m_fd(fd) {}
+    Fd(const Fd&) = delete;
+    Fd& operator=(const Fd&) = delete;
+    ~Fd() {
+        if (m_fd >= 0) {
+            close(m_fd);
+        }
+    }
+    int get() const { return m_fd; }
+    bool valid() const { return m_fd >= 0; }
+
+private:
+    int m_fd;
+};
+
+constexpr int kDirFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+void addFailure(RemovalReport& report, std::string path, int error) {
+    report.failures.push_back({std::move(path), std::strerror(error)});
+}
+
+// Lists the names in the open folder `dirFd` (without "." and ".."). Reading all names first
+// keeps the listing stable while entries are unlinked.
+bool listNames(int dirFd, std::vector<std::string>& names) {
+    const int copy = dup(dirFd);
+    if (copy < 0) {
+        return false;
+    }
+    DIR* dir = fdopendir(copy);
+    if (dir == nullptr) {
+        close(copy);
+        return false;
+    }
+    errno = 0;
+    while (const dirent* entry = readdir(dir)) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") {
+            names.emplace_back(name);
+        }
+    }
+    const bool ok = errno == 0;
+    closedir(dir);
+    return ok;
+}
+
+void removeEntry(int parentFd, const std::string& name, const std::string& path, dev_t device,
+                 RemovalReport& report);
+
+// Removes everything inside the open folder `dirFd`, staying on `device`.
+void removeContents(int dirFd, const std::string& path, dev_t device, RemovalReport& report) {
+    std::vector<std::string> names;
+    if (!listNames(dirFd, names)) {
+        addFailure(report, path, errno != 0 ? errno : EIO);
+    }
+    for (const std::string& name : names) {
+        removeEntry(dirFd, name, path + "/" + name, device, report);
+    }
+}
+
+// Removes the entry `name` of the open folder `parentFd`.
+void removeEntry(int parentFd, const std::string& name, const std::string& path, dev_t device,
+                 RemovalReport& report) {
+    struct stat info {};
+    if (fstatat(parentFd, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno != ENOENT) {
+            addFailure(report, path, errno);
+        }
+        return;
+    }
+    if (S_ISDIR(info.st_mode)) {
+        const Fd child(openat(parentFd, name.c_str(), kDirFlags));
+        if (!child.valid() && errno != ELOOP && errno != ENOTDIR) {
+            if (errno != ENOENT) {
+                addFailure(report, path, errno);
+            }
+            return;
+        }
+        if (child.valid()) {
+            // Opened without following links: whatever it is now, it is a real folder inside
+            // the parent we hold open, so the walk cannot leave the item.
+            struct stat opened {};
+            if (fstat(child.get(), &opened) != 0) {
+                addFailure(report, path, errno);
+                return;
+            }
+            if (opened.st_dev != device) {
+                report.failures.push_back({path, "on another file system; not entered"});
+                return;
+            }
+            const std::size_t failuresBefore = report.failures.size();
+            removeContents(child.get(), path, device, report);
+            if (unlinkat(parentFd, name.c_str(), AT_REMOVEDIR) == 0) {
+                ++report.removedEntries;
+            } else if (errno != ENOENT &&
+                       (errno != ENOTEMPTY || report.failures.size() == failuresBefore)) {
+                addFailure(report, path, errno);
+            }
+            return;
+        }
+        // The folder was swapped for something else (a link) after it was looked at: remove
+        // that thing itself below.
+    }
+    if (unlinkat(parentFd, name.c_str(), 0) == 0) {
+        ++report.removedEntries;
+    } else if (errno == EISDIR) {
+        // Swapped for a folder after it was looked at: walk it like any other folder.
+        removeEntry(parentFd, name, path, device, report);
+    } else if (errno != ENOENT) {
+        addFailure(report, path, errno);
+    }
+}
+
+bool endsWithFiles(const std::string& path) {
+    return path.size() > 6 && path.compare(path.size() - 6, 6, "/files") == 0;
+}
+
+// The trash folder whose files/ holds `parent`, when `parent` is such a files/ folder: the home
+// trash, $topdir/.Trash-$uid or $topdir/.Trash/$uid.
+std::string trashDirOfFilesFolder(const std::string& parent, const std::string& homeTrash) {
+    if (!endsWithFiles(parent)) {
+        return {};
+    }
+    const std::string trashDir = parent.substr(0, parent.size() - 6);
+    if (!homeTrash.empty() && normalizeAbsolutePath(homeTrash).value_or("") == trashDir) {
+        return trashDir;
+    }
+    const std::size_t slash = trashDir.rfind('/');
+    const std::string_view last = std::string_view(trashDir).substr(slash + 1);
+    const auto allDigits = [](std::string_view text) {
+        return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+    };
+    if (last.rfind(".Trash-", 0) == 0 && allDigits(last.substr(7))) {
+        return trashDir;
+    }
+    if (allDigits(last) && slash != std::string::npos && slash >= 7 &&
+        std::string_view(trashDir).substr(slash - 7, 7) == "/.Trash") {
+        return trashDir;
+    }
+    return {};
+}
+
+} // namespace
+
+RemovalReport removePermanently(const std::string& path, const std::string& homeTrash) {
+    RemovalReport report;
+    const std::optional<std::string> normal = normalizeAbsolutePath(path);
+    if (!normal || *normal == "/") {
+        report.failures.push_back({path, "not a clean absolute path"});
+        report.removed = !pathExists(path);
+        return report;
+    }
+    const std::size_t slash = normal->rfind('/');
+    const std::string parent = slash == 0 ? std::string("/") : normal->substr(0, slash);
+    const std::string leaf = normal->substr(slash + 1);
+
+    const Fd parentFd(open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!parentFd.valid()) {
+        if (errno != ENOENT) {
+            addFailure(report, *normal, errno);
+        }
+        report.removed = !pathExists(*normal);
+        return report;
+    }
+    struct stat parentInfo {};
+    struct stat info {};
+    if (fstat(parentFd.get(), &parentInfo) != 0 ||
+        fstatat(parentFd.get(), leaf.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno != ENOENT) {
+            addFailure(report, *normal, errno);
+        }
+        report.removed = !pathExists(*normal);
+        return report;
+    }
+    if (S_ISDIR(info.st_mode) && info.st_dev != parentInfo.st_dev) {
+        report.failures.push_back({*normal, "a mount point; not removed"});
+        return report;
+    }
+    removeEntry(parentFd.get(), leaf, *normal, info.st_dev, report);
+    report.removed =
+        faccessat(parentFd.get(), leaf.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT;
+    if (report.removed) {
+        if (const std::string trashDir = trashDirOfFilesFolder(parent, homeTrash);
+            !trashDir.empty()) {
+            if (!forgetTrashEntry(trashDir, leaf)) {
+                report.failures.push_back({trashDir + "/info/" + leaf + ".trashinfo",
+                                           "its Trash record could not be removed"});
+            }
+        }
+    }
+    return report;
+}
+
+bool clearImmutableFlags(const std::string& path) {
+    const Fd fd(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!fd.valid()) {
+        return false;
+    }
+    struct stat info {};
+    if (fstat(fd.get(), &info) != 0 || !(S_ISREG(info.st_mode) || S_ISDIR(info.st_mode))) {
+        return false;
+    }
+    int flags = 0;
+    if (ioctl(fd.get(), FS_IOC_GETFLAGS, &flags) != 0) {
+        return false;
+    }
+    constexpr int kLocking = FS_IMMUTABLE_FL | FS_APPEND_FL;
+    if ((flags & kLocking) == 0) {
+        return true;
+    }
+    flags &= ~kLocking;
+    return ioctl(fd.get(), FS_IOC_SETFLAGS, &flags) == 0;
+}
+
+bool pathExists(const std::string& path) {
+    struct stat info {};
+    return lstat(path.c_str(), &info) == 0 || errno != ENOENT;
+}
+
+} // namespace sondrel
