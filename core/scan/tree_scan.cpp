@@ -1,0 +1,554 @@
+#include "core/scan/tree_scan.h"
+
+#include "core/model/file_category.h"
+#include "core/scan/foreign_mounts.h"
+#include "core/scan/hard_link_set.h"
+#include "core/scan/work_stealing_pool.h"
+#include "core/util/path_text.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <cstdlib>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace sondrel {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kDirFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr std::size_t kDentsBufferBytes = 64 * 1024;
+constexpr int kFlushEvery = 64;
+// fileCount of a folder node whose folder could not be opened; such nodes are dropped.
+constexpr std::int64_t kUnreadable = -1;
+
+// What a job does with its folder.
+enum class Mode : std::uint8_t {
+    expand,   // build nodes for its entries
+    collapse, // add the sizes and count of the regular files below to a leaf node
+    bundle,   // add the sizes below to a bundle node (its count stays 1)
+};
+
+// An opened folder that jobs of its subfolders open relative to. Reference counted: `refs`
+// keeps the record (and, through `parent`, the chain up to the root, used to rebuild a path)
+// alive; `fdUsers` keeps the descriptor open until every subfolder job has opened its own.
+struct DirRef {
+    std::atomic<int> refs{1};
+    std::atomic<int> fdUsers{1};
+    int fd = -1;              // -1 once closed early because of the descriptor bound
+    DirRef* parent = nullptr; // holds one reference
+    std::string name;         // name in the parent; the root's whole path for the root
+};
+
+struct Job {
+    DirRef* parent = nullptr; // one reference owned by the job; null for the root
+    FileNode* node = nullptr; // expand: the folder's node; collapse/bundle: the leaf to add to
+    std::string name;
+    int fd = -1; // already opened (the root)
+    int depth = 0;
+    Mode mode = Mode::expand;
+    bool top = true; // the first job of its node (its failure to open drops the node)
+};
+
+struct alignas(64) WorkerState {
+    std::unique_ptr<std::byte[]> dents{new std::byte[kDentsBufferBytes]};
+    std::int64_t pendingItems = 0;
+    std::int64_t pendingBytes = 0;
+    int pendingReports = 0;
+    std::vector<Job> children;
+};
+
+std::int64_t nowNanos() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch())
+        .count();
+}
+
+void releaseRef(DirRef* dir) {
+    while (dir != nullptr && dir->refs.fetch_sub(1) == 1) {
+        DirRef* parent = dir->parent;
+        delete dir;
+        dir = parent;
+    }
+}
+
+std::string dirPath(const DirRef* dir) {
+    std::vector<const std::string*> names;
+    for (; dir != nullptr; dir = dir->parent) {
+        names.push_back(&dir->name);
+    }
+    std::string path;
+    for (auto it = names.rbegin(); it != names.rend(); ++it) {
+        if (!path.empty() && path.back() != '/') {
+            path += '/';
+        }
+        path += **it;
+    }
+    return path;
+}
+
+unsigned defaultThreads() {
+    // Folder reads block on a cold cache, so a few more threads than cores keep the disk busy;
+    // on a warm cache the extra threads cost little because jobs are short.
+    const unsigned cores = std::max(1U, std::thread::hardware_concurrency());
+    return std::clamp(cores * 2, 2U, 16U);
+}
+
+int descriptorBudget() {
+    rlimit limit{};
+    rlim_t soft = 1024;
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
+        soft = limit.rlim_cur;
+    }
+    return static_cast<int>(std::clamp<rlim_t>(soft / 4, 16, 1024));
+}
+
+class Walker {
+public:
+    Walker(const ScanOptions& options, const CancelToken& cancel, unsigned threads,
+           ForeignMounts mounts, bool checkMounts)
+        : m_options(options), m_cancel(cancel), m_pool(threads), m_arenas(threads),
+          m_states(threads), m_mounts(std::move(mounts)), m_checkMounts(checkMounts),
+          m_maxDepth(std::max(1, options.maxDepth)), m_fdBudget(descriptorBudget()),
+          m_intervalNanos(static_cast<std::int64_t>(options.progressIntervalSeconds * 1e9)),
+          m_lastPublish(nowNanos()) {}
+
+    NodeArena& arena(unsigned worker) { return m_arenas[worker]; }
+
+    void run(Job root) {
+        m_pool.run(std::move(root), [this](unsigned worker, Job&& job) { handle(worker, job); });
+    }
+
+    std::vector<NodeArena>& arenas() { return m_arenas; }
+    std::int64_t items() const { return m_items.load(); }
+    std::int64_t bytes() const { return m_bytes.load(); }
+
+private:
+    void handle(unsigned worker, Job& job);
+    int openFolder(Job& job);
+    void releaseParentDescriptor(const Job& job);
+    void expandEntry(unsigned worker, Job& job, DirRef* self, const char* name, unsigned char type,
+                     FileNode*& tail);
+    void report(WorkerState& state, std::int64_t items, std::int64_t bytes, const DirRef* dir,
+                std::string_view name);
+    void flush(WorkerState& state, const DirRef* dir, std::string_view name);
+    std::int64_t fileSize(int dirFd, const char* name, struct stat& info, bool haveInfo,
+                          bool& isDir, bool& isLink, bool& isRegular);
+
+    const ScanOptions& m_options;
+    const CancelToken& m_cancel;
+    WorkStealingPool<Job> m_pool;
+    std::vector<NodeArena> m_arenas;
+    std::vector<WorkerState> m_states;
+    HardLinkSet m_links;
+    ForeignMounts m_mounts;
+    bool m_checkMounts;
+    int m_maxDepth;
+    int m_fdBudget;
+    std::int64_t m_intervalNanos;
+    std::atomic<int> m_openFds{0};
+    std::atomic<std::int64_t> m_items{0};
+    std::atomic<std::int64_t> m_bytes{0};
+    std::atomic<std::int64_t> m_lastPublish;
+};
+
+void Walker::releaseParentDescriptor(const Job& job) {
+    DirRef* parent = job.parent;
+    if (parent != nullptr && parent->fd >= 0 && parent->fdUsers.fetch_sub(1) == 1) {
+        close(parent->fd);
+        m_openFds.fetch_sub(1);
+    }
+}
+
+int Walker::openFolder(Job& job) {
+    if (job.fd >= 0) {
+        return job.fd;
+    }
+    if (job.parent->fd >= 0) {
+        return openat(job.parent->fd, job.name.c_str(), kDirFlags);
+    }
+    // The parent's descriptor was closed to stay within the bound: open by path.
+    const std::string path = joinPath(dirPath(job.parent), job.name);
+    return open(path.c_str(), kDirFlags);
+}
+
+void Walker::report(WorkerState& state, std::int64_t items, std::int64_t bytes, const DirRef* dir,
+                    std::string_view name) {
+    state.pendingItems += items;
+    state.pendingBytes += bytes;
+    if (++state.pendingReports >= kFlushEvery) {
+        flush(state, dir, name);
+    }
+}
+
+void Walker::flush(WorkerState& state, const DirRef* dir, std::string_view name) {
+    if (state.pendingReports == 0 && state.pendingItems == 0 && state.pendingBytes == 0) {
+        return;
+    }
+    const std::int64_t items = m_items.fetch_add(state.pendingItems) + state.pendingItems;
+    const std::int64_t bytes = m_bytes.fetch_add(state.pendingBytes) + state.pendingBytes;
+    state.pendingItems = 0;
+    state.pendingBytes = 0;
+    state.pendingReports = 0;
+    if (!m_options.onProgress) {
+        return;
+    }
+    const std::int64_t now = nowNanos();
+    std::int64_t last = m_lastPublish.load();
+    if (now - last < m_intervalNanos || !m_lastPublish.compare_exchange_strong(last, now)) {
+        return;
+    }
+    ScanProgress progress;
+    progress.items = items;
+    progress.bytes = bytes;
+    progress.currentPath = name.empty() ? dirPath(dir) : joinPath(dirPath(dir), name);
+    m_options.onProgress(progress);
+}
+
+std::int64_t Walker::fileSize(int dirFd, const char* name, struct stat& info, bool haveInfo,
+                              bool& isDir, bool& isLink, bool& isRegular) {
+    if (!haveInfo && fstatat(dirFd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
+        isDir = isLink = isRegular = false;
+        return 0;
+    }
+    isDir = S_ISDIR(info.st_mode);
+    isLink = S_ISLNK(info.st_mode);
+    isRegular = S_ISREG(info.st_mode);
+    if (isDir || isLink) {
+        return 0;
+    }
+    if (isRegular && info.st_nlink > 1 &&
+        !m_links.firstSighting(static_cast<std::uint64_t>(info.st_dev),
+                               static_cast<std::uint64_t>(info.st_ino))) {
+        return 0; // another link of this file was counted already
+    }
+    return std::max<std::int64_t>(0, info.st_size);
+}
+
+void Walker::expandEntry(unsigned worker, Job& job, DirRef* self, const char* name,
+                         unsigned char type, FileNode*& tail) {
+    WorkerState& state = m_states[worker];
+    NodeArena& nodes = m_arenas[worker];
+    const std::string_view nameView(name);
+    const auto append = [&](FileNode* child) {
+        child->parent = job.node;
+        if (tail == nullptr) {
+            job.node->firstChild = child;
+        } else {
+            tail->nextSibling = child;
+        }
+        tail = child;
+        ++job.node->childCount;
+    };
+
+    struct stat info {};
+    bool haveInfo = false;
+    if (type == DT_UNKNOWN) {
+        if (fstatat(self->fd, name, &info, AT_SYMLINK_NOFOLLOW) == 0) {
+            haveInfo = true;
+            type = static_cast<unsigned char>(IFTODT(info.st_mode));
+        } else {
+            type = DT_REG; // a failed stat gives a file of size 0
+        }
+    }
+    if (type == DT_LNK) {
+        return; // links are never followed nor counted
+    }
+    if (type == DT_DIR) {
+        Job child;
+        child.name.assign(nameView);
+        child.depth = job.depth + 1;
+        if (!endsWith(self->name, ".app") && endsWith(nameView, ".app")) {
+            // An application bundle is one item: measured whole, shown as a file.
+            child.mode = Mode::bundle;
+            child.node = nodes.create(nameView, false, 0, 1, categoryFrom(nameView, false));
+            report(state, 3, 0, self, nameView);
+        } else if (job.depth + 1 <= m_maxDepth) {
+            child.mode = Mode::expand;
+            child.node = nodes.create(nameView, true, 0, 0, FileCategory::other);
+        } else {
+            child.mode = Mode::collapse;
+            child.node = nodes.create(nameView, true, 0, 0, FileCategory::other);
+            report(state, 1, 0, self, nameView);
+        }
+        append(child.node);
+        state.children.push_back(std::move(child));
+        return;
+    }
+    bool isDir = false;
+    bool isLink = false;
+    bool isRegular = false;
+    const std::int64_t size = fileSize(self->fd, name, info, haveInfo, isDir, isLink, isRegular);
+    if (isLink) {
+        return;
+    }
+    if (isDir) { // replaced by a folder between listing and stat
+        expandEntry(worker, job, self, name, DT_DIR, tail);
+        return;
+    }
+    append(nodes.create(nameView, false, size, 1, categoryFrom(nameView, false)));
+    report(state, 1, size, self, nameView);
+}
+
+void Walker::handle(unsigned worker, Job& job) {
+    WorkerState& state = m_states[worker];
+    if (m_cancel.isCancelled()) {
+        releaseParentDescriptor(job);
+        releaseRef(job.parent);
+        return;
+    }
+    const int fd = openFolder(job);
+    releaseParentDescriptor(job);
+    if (fd < 0) {
+        if (job.top && job.mode != Mode::bundle) {
+            std::atomic_ref<std::int64_t>(job.node->fileCount).store(kUnreadable);
+        }
+        releaseRef(job.parent);
+        return;
+    }
+    if (m_checkMounts && job.parent != nullptr) {
+        struct stat info {};
+        if (fstat(fd, &info) == 0 &&
+            m_mounts.devices.count(static_cast<std::uint64_t>(info.st_dev)) != 0) {
+            close(fd); // pseudo, network or FUSE file system: shown as an empty folder
+            releaseRef(job.parent);
+            return;
+        }
+    }
+
+    auto* self = new DirRef;
+    self->fd = fd;
+    self->parent = job.parent; // takes over the job's reference
+    self->name = std::move(job.name);
+
+    std::int64_t sumBytes = 0;
+    std::int64_t sumFiles = 0;
+    FileNode* tail = nullptr;
+    std::byte* buffer = state.dents.get();
+    bool cancelled = false;
+    while (!cancelled) {
+        const ssize_t read = getdents64(fd, buffer, kDentsBufferBytes);
+        if (read <= 0) {
+            break; // end of the folder, or a folder that opens but cannot be read
+        }
+        for (ssize_t offset = 0; offset < read;) {
+            const auto* entry = reinterpret_cast<const dirent64*>(buffer + offset);
+            offset += entry->d_reclen;
+            const char* name = entry->d_name;
+            if (name[0] == '.' || name[0] == '\0') {
+                continue; // ".", ".." and hidden names are never scanned
+            }
+            if (m_cancel.isCancelled()) {
+                cancelled = true;
+                break;
+            }
+            if (job.mode == Mode::expand) {
+                expandEntry(worker, job, self, name, entry->d_type, tail);
+                continue;
+            }
+            // Collapsed folder or bundle: only sizes, no nodes.
+            unsigned char type = entry->d_type;
+            struct stat info {};
+            bool haveInfo = false;
+            if (type == DT_UNKNOWN) {
+                if (fstatat(fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
+                    continue;
+                }
+                haveInfo = true;
+                type = static_cast<unsigned char>(IFTODT(info.st_mode));
+            }
+            if (type == DT_DIR) {
+                Job child;
+                child.name.assign(name);
+                child.node = job.node;
+                child.depth = job.depth + 1;
+                child.mode = job.mode;
+                child.top = false;
+                state.children.push_back(std::move(child));
+            } else if (type == DT_REG) {
+                bool isDir = false;
+                bool isLink = false;
+                bool isRegular = false;
+                const std::int64_t size =
+                    fileSize(fd, name, info, haveInfo, isDir, isLink, isRegular);
+                if (isRegular) {
+                    sumBytes += size;
+                    ++sumFiles;
+                }
+            }
+        }
+    }
+    if (job.mode == Mode::collapse) {
+        std::atomic_ref<std::int64_t>(job.node->size).fetch_add(sumBytes);
+        std::atomic_ref<std::int64_t>(job.node->fileCount).fetch_add(sumFiles);
+        report(state, 0, sumBytes, self, {});
+    } else if (job.mode == Mode::bundle) {
+        std::atomic_ref<std::int64_t>(job.node->size).fetch_add(sumBytes);
+        report(state, 0, 3 * sumBytes, self, {});
+    }
+    flush(state, self, {});
+
+    // Hand the subfolders to the pool. The descriptor stays open for them unless too many are
+    // open already; then they open by path.
+    std::vector<Job> children;
+    children.swap(state.children);
+    if (!children.empty() && !m_cancel.isCancelled()) {
+        const auto count = static_cast<int>(children.size());
+        if (m_openFds.load() < m_fdBudget) {
+            m_openFds.fetch_add(1);
+            self->fdUsers.fetch_add(count);
+        } else {
+            close(fd);
+            self->fd = -1;
+        }
+        self->refs.fetch_add(count);
+        for (Job& child : children) {
+            child.parent = self;
+            m_pool.push(worker, std::move(child));
+        }
+        if (self->fd >= 0 && self->fdUsers.fetch_sub(1) == 1) {
+            close(fd);
+            m_openFds.fetch_sub(1);
+        }
+    } else {
+        close(fd);
+    }
+    children.clear();
+    state.children.swap(children); // keep the capacity for the next job
+    releaseRef(self);
+}
+
+// Drops unreadable folders, sums sizes and counts bottom-up and sorts every child list.
+void finishTree(FileNode* root) {
+    struct Frame {
+        FileNode* node;
+        bool childrenDone;
+    };
+    std::vector<Frame> stack{{root, false}};
+    std::vector<FileNode*> children;
+    while (!stack.empty()) {
+        const std::size_t top = stack.size() - 1;
+        FileNode* node = stack[top].node;
+        if (!stack[top].childrenDone) {
+            stack[top].childrenDone = true;
+            for (FileNode* child = node->firstChild; child != nullptr; child = child->nextSibling) {
+                if (child->isDirectory() && child->firstChild != nullptr) {
+                    stack.push_back({child, false});
+                }
+            }
+            continue;
+        }
+        stack.pop_back();
+        children.clear();
+        std::int64_t size = 0;
+        std::int64_t files = 0;
+        for (FileNode* child = node->firstChild; child != nullptr; child = child->nextSibling) {
+            if (child->fileCount == kUnreadable) {
+                continue;
+            }
+            children.push_back(child);
+            if (__builtin_add_overflow(size, child->size, &size) ||
+                __builtin_add_overflow(files, child->fileCount, &files)) {
+                std::abort(); // 2^63 bytes: the tree is corrupt, not a real disk
+            }
+        }
+        sortBySizeDescending(children);
+        setChildren(node, children);
+        node->size = size;
+        node->fileCount = files;
+    }
+}
+
+// The root node's name: the last component, or the whole path for "/".
+std::string_view rootNodeName(const std::string& root) {
+    const std::string_view name = lastPathComponent(root);
+    return name.empty() ? std::string_view(root) : name;
+}
+
+std::string normalisedRoot(const std::string& path) {
+    std::string root = path;
+    while (root.size() > 1 && root.back() == '/') {
+        root.pop_back();
+    }
+    return root;
+}
+
+} // namespace
+
+ScanResult scanTree(const std::string& rootPath, const ScanOptions& options,
+                    const CancelToken& cancel) {
+    const auto start = Clock::now();
+    ScanResult result;
+    const std::string root = normalisedRoot(rootPath);
+    const int fd = open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) {
+        if (errno == ENOTDIR && access(root.c_str(), R_OK) == 0) {
+            // A readable file: a root with nothing in it.
+            result.tree = std::make_shared<FileTree>(root);
+            result.tree->setRoot(
+                result.tree->arena().create(rootNodeName(root), true, 0, 0, FileCategory::other));
+        } else {
+            result.accessDenied = true;
+        }
+        result.elapsedSeconds = std::chrono::duration<double>(Clock::now() - start).count();
+        return result;
+    }
+
+    ForeignMounts mounts;
+    bool checkMounts = false;
+    if (!options.enterForeignFilesystems) {
+        mounts = foreignMounts();
+        char* real = realpath(root.c_str(), nullptr);
+        checkMounts = real == nullptr || mounts.anyBelow(real);
+        std::free(real);
+    }
+    const unsigned threads = options.threads > 0 ? options.threads : defaultThreads();
+    Walker walker(options, cancel, threads, std::move(mounts), checkMounts);
+
+    auto tree = std::make_shared<FileTree>(root);
+    Job job;
+    job.fd = fd;
+    job.name = root;
+    job.node = walker.arena(0).create(rootNodeName(root), true, 0, 0, FileCategory::other);
+    FileNode* rootNode = job.node;
+    walker.run(std::move(job));
+
+    finishTree(rootNode);
+    for (NodeArena& arena : walker.arenas()) {
+        tree->adopt(std::move(arena));
+    }
+    tree->setRoot(rootNode);
+    result.tree = std::move(tree);
+    result.items = walker.items();
+    result.bytes = walker.bytes();
+    result.cancelled = cancel.isCancelled();
+    result.elapsedSeconds = std::chrono::duration<double>(Clock::now() - start).count();
+    return result;
+}
+
+bool isPathAccessibleAndReadable(const std::string& path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0) {
+        return false;
+    }
+    if (S_ISDIR(info.st_mode)) {
+        const int fd = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (fd < 0) {
+            return false;
+        }
+        close(fd);
+        return true;
+    }
+    return access(path.c_str(), R_OK) == 0;
+}
+
+} // namespace sondrel
