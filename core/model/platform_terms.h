@@ -15,7 +15,9 @@ TextPlatform currentTextPlatform();
 
 /// `text` with the macOS-only terms replaced for `platform` (unchanged for macOS): "macOS Trash"
 /// -> "Trash", "Finder" -> "Files", "Apple System Integrity Protection" -> "the system's package
-/// manager", "Xcode DerivedData" -> "developer build caches", "macOS" -> "Linux".
+/// manager", "Xcode DerivedData" -> "developer build caches", "Apple Silicon / Intel processors" ->
+/// "x86 / ARM processors", "APFS Storage" -> "Disk Storage", "Mac Name" -> "Computer Name",
+/// "macOS" -> "Linux".
 std::string withPlatformTerms(std::string_view text, TextPlatform platform);
 
 } // namespace sondrel
