@@ -1,5 +1,7 @@
 #include "app/system_monitor.h"
 
+#include "core/model/platform_terms.h"
+
 #include <QString>
 #include <utility>
 
@@ -85,7 +87,7 @@ SystemMonitor::SystemMonitor(QObject* parent) : SystemMonitor(makeSystemSampler(
 SystemMonitor::SystemMonitor(std::unique_ptr<SystemSampler> sampler, QObject* parent)
     : QObject(parent), m_sampler(std::move(sampler)),
       m_overview(SystemOverview::withHostFacts(m_sampler->hostFacts())),
-      m_cpuHistory(kHistoryLength, 0.0) {
+      m_cpuHistory(kHistoryLength, 0.0), m_timer(this) {
     m_timer.setInterval(kIntervalMilliseconds);
     m_timer.setTimerType(Qt::CoarseTimer);
     connect(&m_timer, &QTimer::timeout, this, &SystemMonitor::refresh);
@@ -102,6 +104,21 @@ QVariantMap SystemMonitor::overview() const {
     map.insert("osVersion", text(m_overview.osVersion));
     map.insert("uptimeHours", m_overview.uptimeHours);
     map.insert("formattedUptime", text(m_overview.formattedUptime()));
+    return map;
+}
+
+QVariantMap SystemMonitor::labels() {
+    const auto term = [](const char* text) {
+        return QString::fromStdString(withPlatformTerms(text, currentTextPlatform()));
+    };
+    QVariantMap map;
+    map.insert("headerSubtitle",
+               term("Live telemetry on Apple Silicon / Intel processors, APFS storage, and RAM "
+                    "pressure"));
+    map.insert("storageCardTitle", term("APFS Storage"));
+    map.insert("availableRowLabel", term("Available (Finder)"));
+    map.insert("hostNameLabel", term("Mac Name"));
+    map.insert("osVersionLabel", term("macOS Version"));
     return map;
 }
 

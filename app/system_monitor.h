@@ -45,6 +45,9 @@ class SystemMonitor : public QObject {
     /// The last 20 total CPU percentages (0..100), oldest first; always exactly 20 values,
     /// 20 zeros before the first sample.
     Q_PROPERTY(QList<double> cpuHistory READ cpuHistory NOTIFY cpuHistoryChanged)
+    /// The telemetry screen's texts that name platform-specific things, in this platform's
+    /// words: headerSubtitle, storageCardTitle, availableRowLabel, hostNameLabel, osVersionLabel.
+    Q_PROPERTY(QVariantMap labels READ labels CONSTANT)
     /// True between startMonitoring() and stopMonitoring() (the 2-second timer runs).
     Q_PROPERTY(bool isMonitoring READ isMonitoring NOTIFY isMonitoringChanged)
 
@@ -65,6 +68,7 @@ public:
 
     QVariantMap overview() const;
     const QList<double>& cpuHistory() const { return m_cpuHistory; }
+    static QVariantMap labels();
     bool isMonitoring() const { return m_isMonitoring; }
     /// The latest sample as a plain value (for C++ users such as Smart Care).
     const SystemOverview& overviewValue() const { return m_overview; }
@@ -90,7 +94,7 @@ private:
     CpuLoadTracker m_cpuTracker;
     SystemOverview m_overview;
     QList<double> m_cpuHistory;
-    QTimer m_timer;
+    QTimer m_timer; // child of this monitor, so tests can find it
     bool m_isMonitoring = false;
 };
 

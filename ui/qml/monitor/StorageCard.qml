@@ -7,6 +7,7 @@ SectionCard {
 
     /// The "disk" map of the monitor's overview.
     property var disk: ({})
+    property string availableLabel
 
     title: "Storage"
     iconName: "internaldrive.fill"
@@ -22,7 +23,7 @@ SectionCard {
     FigureRow {
         Layout.fillWidth: true
         theme: card.theme
-        label: "Available (Finder)"
+        label: card.availableLabel
         valueText: card.disk.formattedEffectiveAvailable || ""
         valueColor: card.theme.secondaryAccent
     }

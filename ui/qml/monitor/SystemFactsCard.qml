@@ -7,6 +7,8 @@ SectionCard {
 
     /// The monitor's overview map.
     property var overview: ({})
+    /// The monitor's labels map (platform words for "Mac Name" and "macOS Version").
+    property var labels: ({})
 
     title: "System"
     iconName: "info.circle.fill"
@@ -14,13 +16,13 @@ SectionCard {
     FigureRow {
         Layout.fillWidth: true
         theme: card.theme
-        label: "Mac Name"
+        label: card.labels.hostNameLabel || ""
         valueText: card.overview.hostName || ""
     }
     FigureRow {
         Layout.fillWidth: true
         theme: card.theme
-        label: "macOS Version"
+        label: card.labels.osVersionLabel || ""
         valueText: card.overview.osVersion || ""
     }
     FigureRow {

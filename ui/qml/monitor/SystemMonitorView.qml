@@ -15,6 +15,7 @@ Rectangle {
     readonly property var cpu: overview.cpu
     readonly property var memory: overview.memory
     readonly property var disk: overview.disk
+    readonly property var labels: systemMonitor.labels
 
     color: theme.background
 
@@ -36,6 +37,7 @@ Rectangle {
                 Layout.rightMargin: 24
                 theme: page.theme
                 isLive: page.systemMonitor.isMonitoring
+                subtitle: page.labels.headerSubtitle
             }
 
             RowLayout {
@@ -73,7 +75,7 @@ Rectangle {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     theme: page.theme
-                    title: "APFS Storage"
+                    title: page.labels.storageCardTitle
                     iconName: "internaldrive"
                     valueText: page.disk.formattedUsagePercent
                     subtitleText: page.disk.formattedUsedOfTotal
@@ -109,6 +111,7 @@ Rectangle {
                     Layout.alignment: Qt.AlignTop
                     theme: page.theme
                     disk: page.disk
+                availableLabel: page.labels.availableRowLabel
                 }
             }
 
@@ -118,6 +121,7 @@ Rectangle {
                 Layout.rightMargin: 24
                 theme: page.theme
                 overview: page.overview
+                labels: page.labels
             }
 
             Item { Layout.preferredHeight: 12 }

@@ -8,6 +8,7 @@ RowLayout {
     required property var theme
     /// True while the monitor samples; the indicator dims when it does not.
     property bool isLive: false
+    property string subtitle
 
     spacing: 12
 
@@ -22,7 +23,7 @@ RowLayout {
         }
         Text {
             Layout.fillWidth: true
-            text: "Live telemetry on Apple Silicon / Intel processors, APFS storage, and RAM pressure"
+            text: header.subtitle
             color: header.theme.textSecondary
             font.pixelSize: 13
             wrapMode: Text.WordWrap
