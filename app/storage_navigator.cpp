@@ -1,5 +1,11 @@
 #include "app/storage_navigator.h"
 
+#include "app/storage_contents_model.h"
+#include "app/storage_details.h"
+
+#include <algorithm>
+#include <vector>
+
 namespace sondrel {
 
 namespace {
@@ -16,7 +22,11 @@ bool isWithin(const FileItem& item, const FileItem& ancestor) {
 
 } // namespace
 
-StorageNavigator::StorageNavigator(QObject* parent) : QObject(parent) {}
+StorageNavigator::StorageNavigator(QObject* parent)
+    : QObject(parent), m_details(new StorageDetails(this)),
+      m_contents(new StorageContentsModel(this)) {}
+
+StorageNavigator::~StorageNavigator() = default;
 
 void StorageNavigator::setRoot(FileItem root) {
     m_root = std::move(root);
@@ -68,6 +78,38 @@ void StorageNavigator::setSelectedItem(const FileItem& item) {
     }
     m_selected = item;
     emit selectionChanged();
+}
+
+void StorageNavigator::selectAdjacent(int delta) {
+    const FileItem folder = currentFolder();
+    if (!folder || delta == 0) {
+        return;
+    }
+    std::vector<FileItem> children = folder.children();
+    if (children.empty()) {
+        return;
+    }
+    std::stable_sort(children.begin(), children.end(),
+                     [](const FileItem& a, const FileItem& b) { return a.size() > b.size(); });
+    const auto count = static_cast<long>(children.size());
+    long next = delta > 0 ? 0 : count - 1;
+    if (m_selected) {
+        const auto it = std::find(children.begin(), children.end(), m_selected);
+        if (it != children.end()) {
+            next = std::clamp(static_cast<long>(it - children.begin()) + delta, 0L, count - 1);
+        }
+    }
+    setSelectedItem(children[static_cast<std::size_t>(next)]);
+}
+
+void StorageNavigator::zoomIntoSelection() {
+    if (m_selected && m_selected.isDirectory()) {
+        setCurrentFolder(m_selected);
+    }
+}
+
+bool StorageNavigator::isKnownApplication(const FileItem& item) const {
+    return item && m_isApplication && m_isApplication(item.url());
 }
 
 void StorageNavigator::setVisualizerMode(int mode) {

@@ -16,6 +16,9 @@
 
 namespace sondrel {
 
+class StorageContentsModel;
+class StorageDetails;
+
 class StorageNavigator : public QObject {
     Q_OBJECT
     /// True when a scanned tree is present.
@@ -25,12 +28,21 @@ class StorageNavigator : public QObject {
         int visualizerMode READ visualizerMode WRITE setVisualizerMode NOTIFY visualizerModeChanged)
     /// True while an item is selected.
     Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY selectionChanged)
+    /// Texts of the details pane and breadcrumb (owned by the navigator).
+    Q_PROPERTY(sondrel::StorageDetails* details READ details CONSTANT)
+    /// The viewed folder's children, largest first (owned by the navigator).
+    Q_PROPERTY(sondrel::StorageContentsModel* contents READ contents CONSTANT)
 
 public:
     /// Moves one path to the Trash; true when nothing remains at the path afterwards.
     using Trasher = std::function<bool(const std::string& path)>;
+    /// True when the path is an installed application the uninstaller knows.
+    using ApplicationMatcher = std::function<bool(const std::string& path)>;
 
     explicit StorageNavigator(QObject* parent = nullptr);
+    ~StorageNavigator() override;
+    StorageNavigator(const StorageNavigator&) = delete;
+    StorageNavigator& operator=(const StorageNavigator&) = delete;
 
     /// Publishes a new tree (or none). The viewed folder and the selection are cleared because
     /// they belong to the previous tree.
@@ -55,6 +67,13 @@ public:
     void setSelectedItem(const FileItem& item);
     Q_INVOKABLE void clearSelection() { setSelectedItem({}); }
 
+    /// Selects the item `delta` places after the selection among the viewed folder's children
+    /// (largest first); with no selection, the first (delta > 0) or last child. Clamped at the
+    /// ends; nothing happens in an empty folder.
+    Q_INVOKABLE void selectAdjacent(int delta);
+    /// Drills into the selection when it is a folder; otherwise nothing changes.
+    Q_INVOKABLE void zoomIntoSelection();
+
     int visualizerMode() const { return m_mode; }
     void setVisualizerMode(int mode);
 
@@ -65,6 +84,14 @@ public:
     /// values until the next scan), clears a selection or viewed folder inside it, and emits
     /// treeMutated. On failure nothing changes and false is returned.
     bool trashFileItem(const FileItem& item);
+
+    /// Sets the test that tells which items the uninstaller can take (none by default).
+    void setApplicationMatcher(ApplicationMatcher matcher) { m_isApplication = std::move(matcher); }
+    /// True when `item` is an application the uninstaller knows (offers "Uninstall App").
+    bool isKnownApplication(const FileItem& item) const;
+
+    StorageDetails* details() const { return m_details; }
+    StorageContentsModel* contents() const { return m_contents; }
 
 signals:
     void treeChanged();
@@ -82,6 +109,9 @@ private:
     FileItem m_selected;
     int m_mode = 0;
     Trasher m_trasher;
+    ApplicationMatcher m_isApplication;
+    StorageDetails* m_details = nullptr;
+    StorageContentsModel* m_contents = nullptr;
 };
 
 } // namespace sondrel

@@ -1,0 +1,139 @@
+#include "app/storage_contents_model.h"
+#include "app/storage_details.h"
+#include "app/storage_navigator.h"
+#include "tests/ui/storage_test_tree.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace sondrel;
+using sondrel::test::childNamed;
+using sondrel::test::makeStorageTestTree;
+
+class StorageNavigatorTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void drillDownUpAndBreadcrumb() {
+        StorageNavigator nav;
+        const FileItem root = makeStorageTestTree();
+        nav.setRoot(root);
+        const FileItem projects = childNamed(root, "Projects");
+        const FileItem app = childNamed(projects, "app");
+
+        nav.setCurrentFolder(childNamed(root, "notes.txt")); // a file: ignored
+        QCOMPARE(nav.currentFolder(), root);
+        nav.setCurrentFolder(app);
+        QCOMPARE(nav.details()->breadcrumbNames(), (QStringList{"home", "Projects", "app"}));
+        nav.details()->navigateToBreadcrumb(1);
+        QCOMPARE(nav.currentFolder(), projects);
+        nav.goUp();
+        QCOMPARE(nav.currentFolder(), root);
+        nav.goUp(); // at the root nothing changes
+        QCOMPARE(nav.currentFolder(), root);
+        QCOMPARE(nav.details()->breadcrumbNames(), QStringList{"home"});
+
+        // A folder of another tree is never shown against this root.
+        const FileItem other = makeStorageTestTree();
+        nav.setCurrentFolder(childNamed(other, "Videos"));
+        QCOMPARE(nav.currentFolder(), root);
+    }
+
+    void contentsAreSortedAndFollowTheFolder() {
+        StorageNavigator nav;
+        const FileItem root = makeStorageTestTree();
+        nav.setRoot(root);
+        StorageContentsModel* rows = nav.contents();
+        QCOMPARE(rows->count(), 4);
+        const QStringList expected{"Videos", "Projects", "exact.iso", "notes.txt"};
+        for (int i = 0; i < rows->count(); ++i) {
+            QCOMPARE(rows->data(rows->index(i), StorageContentsModel::NameRole).toString(),
+                     expected[i]);
+        }
+        QCOMPARE(rows->data(rows->index(0), StorageContentsModel::ShareTextRole).toString(),
+                 QStringLiteral("64.0%"));
+        rows->zoom(0);
+        QCOMPARE(nav.currentFolder(), childNamed(root, "Videos"));
+        QCOMPARE(rows->count(), 2);
+        rows->zoom(0); // a file: no drill-down
+        QCOMPARE(nav.currentFolder(), childNamed(root, "Videos"));
+        rows->select(1);
+        QCOMPARE(nav.details()->selectedName(), QStringLiteral("clip.mov"));
+        QVERIFY(rows->data(rows->index(1), StorageContentsModel::IsSelectedRole).toBool());
+    }
+
+    void breakdownSumsCategoriesLargestFirst() {
+        StorageNavigator nav;
+        nav.setRoot(makeStorageTestTree());
+        const QVariantList rows = nav.details()->breakdown();
+        QCOMPARE(rows.size(), 4);
+        const auto field = [&](int i, const char* key) {
+            return rows[i].toMap().value(QString::fromLatin1(key)).toString();
+        };
+        QCOMPARE(field(0, "name"), QStringLiteral("Videos"));
+        QCOMPARE(field(0, "sizeText"), QStringLiteral("40 MB"));
+        QCOMPARE(field(1, "name"), QStringLiteral("Other"));
+        QCOMPARE(field(3, "sizeText"), QStringLiteral("5 KB"));
+        QCOMPARE(nav.details()->folderItemsText(), QStringLiteral("5 items"));
+    }
+
+    void arrowsMoveTheSelectionAndEnterZooms() {
+        StorageNavigator nav;
+        const FileItem root = makeStorageTestTree();
+        nav.setRoot(root);
+        nav.selectAdjacent(1);
+        QCOMPARE(nav.selectedItem(), childNamed(root, "Videos"));
+        nav.selectAdjacent(-1); // clamped at the first
+        QCOMPARE(nav.selectedItem(), childNamed(root, "Videos"));
+        nav.selectAdjacent(10);
+        QCOMPARE(nav.selectedItem(), childNamed(root, "notes.txt"));
+        nav.zoomIntoSelection(); // a file
+        QCOMPARE(nav.currentFolder(), root);
+        nav.selectAdjacent(-2);
+        nav.zoomIntoSelection();
+        QCOMPARE(nav.currentFolder(), childNamed(root, "Projects"));
+    }
+
+    void trashingUpdatesTheParentAndTheSelection() {
+        StorageNavigator nav;
+        const FileItem root = makeStorageTestTree();
+        nav.setRoot(root);
+        std::vector<std::string> trashed;
+        bool succeed = false;
+        nav.setTrasher([&](const std::string& path) {
+            trashed.push_back(path);
+            return succeed;
+        });
+        const FileItem videos = childNamed(root, "Videos");
+        nav.setSelectedItem(childNamed(videos, "movie.mp4"));
+        QVERIFY(!nav.details()->trashSelected()); // the Trash refused: nothing changes
+        QCOMPARE(videos.size(), 40'000'000);
+        QCOMPARE(nav.contents()->count(), 4);
+
+        succeed = true;
+        QSignalSpy mutated(&nav, &StorageNavigator::treeMutated);
+        QVERIFY(nav.trashFileItem(videos));
+        QCOMPARE(trashed.back(), std::string("/scan/home/Videos"));
+        QCOMPARE(mutated.count(), 1);
+        QVERIFY(!nav.hasSelection()); // the selection was inside the trashed folder
+        QCOMPARE(root.size(), 22'490'760);
+        QCOMPARE(nav.contents()->count(), 3);
+    }
+
+    void rationaleUsesPlatformTerms() {
+        StorageNavigator nav;
+        const FileItem root = makeStorageTestTree();
+        nav.setRoot(root);
+        nav.setSelectedItem(childNamed(root, "exact.iso"));
+        QVERIFY(!nav.details()->selectedRationale().isEmpty());
+        QVERIFY(!nav.details()->selectedRationale().contains(QStringLiteral("Finder")));
+        QVERIFY(!nav.details()->selectedIsApplication());
+        nav.setApplicationMatcher([](const std::string& path) { return path.ends_with(".iso"); });
+        QVERIFY(nav.details()->selectedIsApplication());
+        QCOMPARE(StorageDetails::platformText(QStringLiteral("Move to macOS Trash")),
+                 QStringLiteral("Move to Trash"));
+    }
+};
+
+QTEST_GUILESS_MAIN(StorageNavigatorTest)
+#include "storage_navigator_test.moc"
