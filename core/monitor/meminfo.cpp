@@ -2,17 +2,36 @@
 
 #include <algorithm>
 #include <charconv>
-#include <map>
-#include <string>
 
 namespace sondrel {
 
 namespace {
 
-// "Key:   123 kB" lines -> bytes by key. Values without a unit (HugePages_Total) are counts and
-// are kept as they stand; nothing below reads them.
-std::map<std::string, std::uint64_t, std::less<>> readFields(std::string_view text) {
-    std::map<std::string, std::uint64_t, std::less<>> fields;
+// The keys the mapping reads.
+constexpr std::string_view kKeys[] = {"MemTotal",      "MemFree",    "MemAvailable", "Buffers",
+                                      "Cached",        "Zswap",      "SUnreclaim",   "PageTables",
+                                      "SecPageTables", "KernelStack"};
+constexpr std::size_t kKeyCount = sizeof kKeys / sizeof kKeys[0];
+
+// Values of kKeys found in the text ("Key:   123 kB" lines, converted to bytes); the last
+// well-formed line of a key wins.
+struct Fields {
+    std::uint64_t values[kKeyCount] = {};
+    bool present[kKeyCount] = {};
+
+    bool has(std::string_view key) const { return present[indexOf(key)]; }
+    std::uint64_t get(std::string_view key) const { return values[indexOf(key)]; }
+    static std::size_t indexOf(std::string_view key) {
+        std::size_t i = 0;
+        while (i < kKeyCount && kKeys[i] != key) {
+            ++i;
+        }
+        return i < kKeyCount ? i : 0;
+    }
+};
+
+Fields readFields(std::string_view text) {
+    Fields fields;
     std::size_t lineStart = 0;
     while (lineStart < text.size()) {
         std::size_t lineEnd = text.find('\n', lineStart);
@@ -23,6 +42,13 @@ std::map<std::string, std::uint64_t, std::less<>> readFields(std::string_view te
         lineStart = lineEnd + 1;
         const std::size_t colon = line.find(':');
         if (colon == std::string_view::npos || colon == 0) {
+            continue;
+        }
+        std::size_t key = 0;
+        while (key < kKeyCount && kKeys[key] != line.substr(0, colon)) {
+            ++key;
+        }
+        if (key == kKeyCount) {
             continue;
         }
         std::size_t i = colon + 1;
@@ -50,7 +76,8 @@ std::map<std::string, std::uint64_t, std::less<>> readFields(std::string_view te
         } else if (!unit.empty()) {
             continue;
         }
-        fields.insert_or_assign(std::string(line.substr(0, colon)), value);
+        fields.values[key] = value;
+        fields.present[key] = true;
     }
     return fields;
 }
@@ -58,20 +85,17 @@ std::map<std::string, std::uint64_t, std::less<>> readFields(std::string_view te
 } // namespace
 
 MemoryStats parseMeminfo(std::string_view text) {
-    const auto fields = readFields(text);
-    const auto field = [&fields](std::string_view key) -> std::uint64_t {
-        const auto it = fields.find(key);
-        return it == fields.end() ? 0 : it->second;
-    };
+    const Fields fields = readFields(text);
+    const auto field = [&fields](std::string_view key) { return fields.get(key); };
     MemoryStats stats;
-    if (fields.find("MemTotal") == fields.end()) {
+    if (!fields.has("MemTotal")) {
         return stats;
     }
     stats.totalBytes = field("MemTotal");
     stats.freeBytes = field("MemFree");
 
     std::uint64_t available = 0;
-    if (fields.find("MemAvailable") != fields.end()) {
+    if (fields.has("MemAvailable")) {
         available = field("MemAvailable");
     } else {
         available = stats.freeBytes + field("Buffers") + field("Cached");

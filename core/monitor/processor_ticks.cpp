@@ -59,9 +59,13 @@ std::vector<ProcessorTicks> parseProcStat(std::string_view text) {
         if (lineEnd == std::string_view::npos) {
             lineEnd = text.size();
         }
-        const std::vector<std::string_view> fields =
-            fieldsOf(text.substr(lineStart, lineEnd - lineStart));
+        const std::string_view line = text.substr(lineStart, lineEnd - lineStart);
         lineStart = lineEnd + 1;
+        // Most of the text is the long "intr" and "softirq" lines: skip them unsplit.
+        if (line.substr(0, 3) != "cpu") {
+            continue;
+        }
+        const std::vector<std::string_view> fields = fieldsOf(line);
         if (fields.size() < 5 || !isProcessorLabel(fields[0])) {
             continue;
         }
