@@ -1,0 +1,176 @@
+// Permanent removal never follows links, never leaves its item, and reports what stayed.
+
+#include "core/removal/permanent_removal.h"
+#include "removal_test_support.h"
+
+#include <atomic>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <thread>
+
+namespace sondrel {
+namespace {
+
+using test::exists;
+
+bool setImmutable(const std::string& path, bool on) {
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    int flags = 0;
+    bool ok = ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+    flags = on ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
+    ok = ok && ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+    close(fd);
+    return ok;
+}
+
+TEST(PermanentRemoval, LinksAtEveryLevelAreRemovedNotFollowed) {
+    test::TempDir dir;
+    const std::string outside = dir.makeDir("outside");
+    const std::string precious = dir.writeFile("outside/precious", "keep me");
+    dir.makeDir("outside/sub");
+    dir.writeFile("outside/sub/deep", "keep me too");
+
+    dir.writeFile("victim/a/b/file", "x");
+    ASSERT_EQ(symlink(outside.c_str(), (dir / "victim/link-to-dir").c_str()), 0);
+    ASSERT_EQ(symlink(precious.c_str(), (dir / "victim/a/link-to-file").c_str()), 0);
+    ASSERT_EQ(symlink(outside.c_str(), (dir / "victim/a/b/deep-link").c_str()), 0);
+    ASSERT_EQ(symlink("nowhere", (dir / "victim/a/dangling").c_str()), 0);
+    ASSERT_EQ(symlink("loop", (dir / "victim/a/loop").c_str()), 0);
+    ASSERT_EQ(mkfifo((dir / "victim/a/fifo").c_str(), 0600), 0);
+    const int sock = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string socketPath = dir / "victim/a/sock";
+    if (socketPath.size() < sizeof address.sun_path) {
+        socketPath.copy(address.sun_path, socketPath.size());
+        ASSERT_EQ(bind(sock, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    }
+    close(sock);
+    // The item itself a link to a folder, and a file with a newline in its name.
+    dir.writeFile("victim/a/new\nline $(touch pwned)", "x");
+    ASSERT_EQ(symlink(outside.c_str(), (dir / "top-link").c_str()), 0);
+
+    const RemovalReport report = removePermanently(dir / "victim");
+    EXPECT_TRUE(report.removed);
+    EXPECT_TRUE(report.failures.empty());
+    EXPECT_FALSE(exists(dir / "victim"));
+    const RemovalReport linkReport = removePermanently(dir / "top-link");
+    EXPECT_TRUE(linkReport.removed);
+    EXPECT_EQ(linkReport.removedEntries, 1U);
+
+    EXPECT_EQ(test::readFile(precious), "keep me");
+    EXPECT_EQ(test::readFile(dir / "outside/sub/deep"), "keep me too");
+    EXPECT_FALSE(exists(dir / "pwned"));
+
+    const RemovalReport missing = removePermanently(dir / "victim");
+    EXPECT_TRUE(missing.removed);
+    EXPECT_TRUE(missing.failures.empty());
+}
+
+// A thread keeps swapping folders inside the item for links to an outside folder while the
+// removal walks; whatever the timing, nothing outside may go.
+TEST(PermanentRemoval, RacingSwapNeverEscapes) {
+    test::TempDir dir;
+    const std::string outside = dir.makeDir("outside");
+    constexpr int kSentinels = 50;
+    for (int i = 0; i < kSentinels; ++i) {
+        dir.writeFile("outside/sentinel-" + std::to_string(i), "s");
+        dir.writeFile("outside/nested/sentinel-" + std::to_string(i), "s");
+    }
+    for (int round = 0; round < 20; ++round) {
+        const std::string victim = dir / ("victim" + std::to_string(round));
+        for (int i = 0; i < 20; ++i) {
+            for (int j = 0; j < 5; ++j) {
+                dir.writeFile("victim" + std::to_string(round) + "/d" + std::to_string(i) + "/e/f" +
+                                  std::to_string(j),
+                              "v");
+            }
+        }
+        std::atomic<bool> stop{false};
+        std::thread swapper([&] {
+            int i = 0;
+            while (!stop.load()) {
+                const std::string folder = victim + "/d" + std::to_string(i % 20);
+                const std::string aside = folder + ".aside";
+                if (rename(folder.c_str(), aside.c_str()) == 0) {
+                    symlink(outside.c_str(), folder.c_str());
+                    std::this_thread::yield();
+                    unlink(folder.c_str());
+                    rename(aside.c_str(), folder.c_str());
+                }
+                symlink(outside.c_str(), (folder + "/e-link").c_str());
+                ++i;
+            }
+        });
+        removePermanently(victim);
+        stop = true;
+        swapper.join();
+        removePermanently(victim);
+        EXPECT_FALSE(exists(victim)) << victim;
+        for (int i = 0; i < kSentinels; ++i) {
+            ASSERT_TRUE(exists(outside + "/sentinel-" + std::to_string(i))) << "round " << round;
+            ASSERT_TRUE(exists(outside + "/nested/sentinel-" + std::to_string(i)));
+        }
+    }
+}
+
+TEST(PermanentRemoval, ImmutableItemsFailCleanlyAndTheRestGoes) {
+    test::TempDir dir;
+    const std::string locked = dir.writeFile("victim/a/locked", "x");
+    dir.writeFile("victim/a/free", "x");
+    dir.writeFile("victim/b/free", "x");
+    if (!setImmutable(locked, true)) {
+        GTEST_SKIP() << "this file system has no immutable attribute";
+    }
+    const RemovalReport report = removePermanently(dir / "victim");
+    setImmutable(locked, false);
+    EXPECT_FALSE(report.removed);
+    ASSERT_EQ(report.failures.size(), 1U);
+    EXPECT_EQ(report.failures.front().path, locked);
+    EXPECT_TRUE(exists(locked));
+    EXPECT_FALSE(exists(dir / "victim/a/free"));
+    EXPECT_FALSE(exists(dir / "victim/b"));
+
+    // clearImmutableFlags lets the item go.
+    ASSERT_TRUE(setImmutable(locked, true));
+    EXPECT_TRUE(clearImmutableFlags(locked));
+    EXPECT_TRUE(removePermanently(dir / "victim").removed);
+}
+
+TEST(PermanentRemoval, StaysOnOneFileSystemAndReportsReadOnly) {
+    test::TempDir dir;
+    dir.writeFile("victim/file", "x");
+    test::ScratchMount inner(dir, "victim/mounted");
+    if (!inner.mounted()) {
+        GTEST_SKIP() << "could not mount a second file system (needs root and mount rights)";
+    }
+    const std::string kept = dir.writeFile("victim/mounted/kept", "keep");
+    const RemovalReport report = removePermanently(dir / "victim");
+    EXPECT_FALSE(report.removed);
+    ASSERT_EQ(report.failures.size(), 1U);
+    EXPECT_EQ(report.failures.front().path, dir / "victim/mounted");
+    EXPECT_EQ(test::readFile(kept), "keep");
+    EXPECT_FALSE(exists(dir / "victim/file"));
+    // The mount point itself is refused as an item.
+    EXPECT_FALSE(removePermanently(inner.path()).removed);
+    EXPECT_EQ(test::readFile(kept), "keep");
+
+    // A read-only file system: each entry fails with a reason, nothing crashes.
+    dir.writeFile("victim/mounted/d/one", "1");
+    ASSERT_EQ(mount(nullptr, inner.path().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+    const RemovalReport readOnly = removePermanently(inner.path() + "/d");
+    mount(nullptr, inner.path().c_str(), nullptr, MS_REMOUNT, nullptr);
+    EXPECT_FALSE(readOnly.removed);
+    ASSERT_FALSE(readOnly.failures.empty());
+    EXPECT_EQ(test::readFile(inner.path() + "/d/one"), "1");
+}
+
+} // namespace
+} // namespace sondrel

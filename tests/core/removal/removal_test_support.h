@@ -1,0 +1,147 @@
+#pragma once
+// Shared pieces of the removal tests: a temporary home, a second file system mounted inside the
+// test's own folder, the desktop's view of the Trash through gio, and the helper binary.
+
+#include "core/removal/removal_chains.h"
+#include "tests/support/run_process.h"
+#include "tests/support/temp_dir.h"
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace sondrel::test {
+
+/// A fake home inside a TempDir: home/ with its data folder, and a RemovalContext whose only
+/// root is the home. Fixed clock so DeletionDate is predictable.
+struct TempHome {
+    TempDir dir;
+    std::string home = dir.makeDir("home");
+    std::string dataHome = dir.makeDir("home/.local/share");
+    std::string trash = dataHome + "/Trash";
+
+    RemovalContext context(std::vector<std::string> roots = {}) const {
+        RemovalContext c;
+        c.trash.home = home;
+        c.trash.dataHome = dataHome;
+        c.trash.uid = getuid();
+        c.trash.gid = getgid();
+        c.trash.clock = [] { return std::time_t{1700000000}; };
+        c.allowedRoots = roots.empty() ? std::vector<std::string>{home} : std::move(roots);
+        return c;
+    }
+};
+
+inline std::string readFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline bool exists(const std::string& path) {
+    struct stat info {};
+    return lstat(path.c_str(), &info) == 0;
+}
+
+/// The full path of a system program (runProcess does not search PATH), or the bare name.
+inline std::string systemProgram(const std::string& name) {
+    for (const char* folder : {"/usr/bin/", "/usr/sbin/", "/bin/", "/sbin/"}) {
+        if (access((folder + name).c_str(), X_OK) == 0) {
+            return folder + name;
+        }
+    }
+    return name;
+}
+
+/// A file system of its own mounted at `where` (inside a test's TempDir): a loop-mounted ext2
+/// image when possible (the desktop lists trashes on it), else a tmpfs. Unmounted on
+/// destruction, before the TempDir goes.
+class ScratchMount {
+public:
+    ScratchMount(const TempDir& dir, const std::string& name) : m_path(dir.makeDir(name)) {
+        const std::string image = dir / (name + ".img");
+        if (runProcess({systemProgram("truncate"), "-s", "16M", image}).exitCode == 0 &&
+            runProcess({systemProgram("mkfs.ext2"), "-q", "-F", image}).exitCode == 0 &&
+            runProcess({systemProgram("mount"), "-o", "loop", image, m_path}).exitCode == 0) {
+            m_mounted = true;
+            m_listedByDesktop = true;
+            rmdir((m_path + "/lost+found").c_str());
+            chmod(m_path.c_str(), 0755);
+            return;
+        }
+        m_mounted = mount("tmpfs", m_path.c_str(), "tmpfs", 0, "size=16m,mode=0755") == 0;
+    }
+    ScratchMount(const ScratchMount&) = delete;
+    ScratchMount& operator=(const ScratchMount&) = delete;
+    ~ScratchMount() {
+        if (m_mounted && umount(m_path.c_str()) != 0) {
+            umount2(m_path.c_str(), MNT_DETACH);
+        }
+    }
+    bool mounted() const { return m_mounted; }
+    /// True for the ext2 image: gvfs lists trashes there (it leaves tmpfs out).
+    bool listedByDesktop() const { return m_listedByDesktop; }
+    const std::string& path() const { return m_path; }
+
+private:
+    std::string m_path;
+    bool m_mounted = false;
+    bool m_listedByDesktop = false;
+};
+
+/// How `gio list -a trash::orig-path` prints a byte string: control bytes, DEL and bytes of
+/// 0x80 and above and the backslash as "\xNN".
+inline std::string gioEscaped(const std::string& bytes) {
+    std::string out;
+    for (const char ch : bytes) {
+        const auto c = static_cast<unsigned char>(ch);
+        if (c < 0x20 || c >= 0x7F || c == '\\') {
+            static constexpr char kHex[] = "0123456789abcdef";
+            out += "\\x";
+            out += kHex[c >> 4];
+            out += kHex[c & 0x0F];
+        } else {
+            out += ch;
+        }
+    }
+    return out;
+}
+
+/// What the desktop's Trash shows for the temporary home (gio under a private session bus), or
+/// nothing when gio, gvfs or dbus-run-session are missing.
+inline std::optional<std::string> gioTrashListing(const TempHome& home) {
+    if (access("/usr/bin/gio", X_OK) != 0 || access("/usr/bin/dbus-run-session", X_OK) != 0) {
+        return std::nullopt;
+    }
+    const ProcessResult result =
+        runProcess({"/usr/bin/dbus-run-session", "--", "/usr/bin/gio", "list", "-a",
+                    "trash::orig-path", "trash://"},
+                   {}, {{"HOME", home.home}, {"XDG_DATA_HOME", home.dataHome}});
+    if (result.exitCode != 0) {
+        return std::nullopt;
+    }
+    return result.out;
+}
+
+/// The built sondrel-helper: $SONDREL_HELPER_PATH, else ../helper/sondrel-helper next to this
+/// test's build folder. Empty when not built.
+inline std::string helperBinary() {
+    if (const char* given = std::getenv("SONDREL_HELPER_PATH")) {
+        return given;
+    }
+    char self[4096];
+    const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
+    if (length <= 0) {
+        return {};
+    }
+    std::string path(self, static_cast<std::size_t>(length));
+    path = path.substr(0, path.rfind('/')); // .../tests
+    path = path.substr(0, path.rfind('/')); // build folder
+    path += "/helper/sondrel-helper";
+    return access(path.c_str(), X_OK) == 0 ? path : std::string();
+}
+
+} // namespace sondrel::test
