@@ -14,11 +14,12 @@
 // worker, and queued calls to a destroyed object are dropped by Qt.
 
 #include "core/model/file_item.h"
+#include "core/scan/cancel_token.h"
+#include "core/scan/tree_scan.h"
 
 #include <QObject>
 #include <QString>
 #include <QtGlobal>
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -99,6 +100,10 @@ private:
     void setProgress(qint64 count, qint64 bytes);
     void setAccessDenied(bool denied);
     void joinWorker();
+    // GUI thread: a progress report of scan `generation` arrived.
+    void applyProgress(std::uint64_t generation, const ScanProgress& progress);
+    // GUI thread: scan `generation` ended with `result`.
+    void finishScan(std::uint64_t generation, const ScanResult& result);
 
     bool m_isScanning = false;
     QString m_progressText;
@@ -110,8 +115,10 @@ private:
 
     // Scan generation: results of a superseded scan are dropped when they arrive.
     std::uint64_t m_generation = 0;
+    // Display name of the running scan's target (for a late refusal).
+    std::string m_targetName;
     // Cancel flag of the running walk, shared with its worker.
-    std::shared_ptr<std::atomic<bool>> m_cancel;
+    std::shared_ptr<CancelToken> m_cancel;
     std::thread m_worker;
 };
 
