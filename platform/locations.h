@@ -31,7 +31,7 @@ struct Locations {
     std::vector<std::string> dataDirs;        ///< system data dirs ($XDG_DATA_DIRS on Linux)
 
     /// Linux layout of `home`. `environment` supplies XDG_* overrides (only absolute values are
-    /// used, as the XDG base directory specification says); pass an empty map for a home that
+    /// used, following the XDG base directory rules); pass an empty map for a home that
     /// is not the running user's.
     static Locations forLinux(const std::string& home,
                               const std::map<std::string, std::string>& environment = {});
