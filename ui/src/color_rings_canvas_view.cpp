@@ -1,0 +1,197 @@
+#include "ui/src/color_rings_canvas_view.h"
+
+#include "app/qt_conversions.h"
+#include "app/storage_details.h"
+#include "core/layout/annular_sector.h"
+#include "core/model/byte_format.h"
+
+#include <QPainter>
+#include <QRadialGradient>
+
+namespace sondrel {
+
+namespace {
+
+QPainterPath outlinePath(const AnnularSectorOutline& o) {
+    // Qt measures arc angles counter-clockwise on screen; the layout's grow clockwise.
+    const auto circle = [&](double radius) {
+        return QRectF(o.centre.x - radius, o.centre.y - radius, 2 * radius, 2 * radius);
+    };
+    QPainterPath path;
+    const LayoutPoint start = pointOnCircle(o.centre, o.outer.radius, o.outer.fromAngle);
+    path.moveTo(start.x, start.y);
+    path.arcTo(circle(o.outer.radius), -o.outer.fromAngle, -(o.outer.toAngle - o.outer.fromAngle));
+    path.lineTo(o.lineTo.x, o.lineTo.y);
+    path.arcTo(circle(o.inner.radius), -o.inner.fromAngle, o.inner.fromAngle - o.inner.toAngle);
+    path.closeSubpath();
+    return path;
+}
+
+QColor withOpacity(QColor color, double opacity) {
+    color.setAlphaF(static_cast<float>(opacity));
+    return color;
+}
+
+} // namespace
+
+ColorRingsCanvasView::ColorRingsCanvasView(QQuickItem* parent) : StorageCanvas(parent) {
+    connect(this, &StorageCanvas::hoverChanged, this, &ColorRingsCanvasView::hudChanged);
+    connect(this, &StorageCanvas::selectionChanged, this, &ColorRingsCanvasView::hudChanged);
+    connect(this, &StorageCanvas::contentChanged, this, &ColorRingsCanvasView::hudChanged);
+}
+
+void ColorRingsCanvasView::computeShapes(const std::vector<FileItem>& items, QSizeF size) {
+    m_tree = items.empty() ? nullptr : items.front().tree();
+    std::vector<const FileNode*> nodes;
+    nodes.reserve(items.size());
+    for (const FileItem& item : items) {
+        nodes.push_back(item.node());
+    }
+    const FileItem folder = navigator() ? navigator()->currentFolder() : FileItem{};
+    m_radius = ringRadius(size.width(), size.height());
+    m_centre = {size.width() / 2, size.height() / 2};
+    m_sectors.clear();
+    m_paths.clear();
+    if (!folder || m_radius <= 0) {
+        return;
+    }
+    m_sectors = computeSunburstSectors(nodes, folder.size());
+    m_paths.reserve(m_sectors.size());
+    const LayoutRect canvas{0, 0, size.width(), size.height()};
+    for (const SunburstSector& s : m_sectors) {
+        const AnnularSectorShape shape{s.startAngle, s.endAngle, s.innerRadiusRatio * m_radius,
+                                       s.outerRadiusRatio * m_radius};
+        m_paths.push_back(outlinePath(shape.outline(canvas)));
+    }
+}
+
+const std::vector<SunburstSector>& ColorRingsCanvasView::sectors() const {
+    ensureShapes();
+    return m_sectors;
+}
+
+int ColorRingsCanvasView::shapeAt(QPointF point) const {
+    const auto hit = hitTestSector({point.x(), point.y()}, m_centre, m_radius, m_sectors);
+    return hit ? static_cast<int>(*hit) : -1;
+}
+
+FileItem ColorRingsCanvasView::itemOfShape(int index) const {
+    // The tree is only read through this handle's const accessors in the views.
+    return FileItem(m_tree, const_cast<FileNode*>(m_sectors[static_cast<std::size_t>(index)].node));
+}
+
+QPointF ColorRingsCanvasView::shapeCenter(int index) const {
+    const SunburstSector& s = m_sectors[static_cast<std::size_t>(index)];
+    const LayoutPoint p =
+        pointOnCircle(m_centre, (s.innerRadiusRatio + s.outerRadiusRatio) / 2 * m_radius,
+                      (s.startAngle + s.endAngle) / 2);
+    return {p.x, p.y};
+}
+
+void ColorRingsCanvasView::paint(QPainter* painter) {
+    ensureShapes();
+    paintCard(painter);
+    const int hovered = hoveredShape();
+    const FileItem selection =
+        navigator() && navigator()->hasSelection() ? navigator()->selectedItem() : FileItem{};
+    int selected = -1;
+    for (std::size_t i = 0; i < m_sectors.size(); ++i) {
+        const bool isSel = selection && m_sectors[i].node == selection.node();
+        if (isSel) {
+            selected = static_cast<int>(i);
+        }
+        paintSector(painter, i, static_cast<int>(i) == hovered, isSel);
+    }
+    for (const int index : {selected, hovered}) {
+        if (index >= 0 && index < static_cast<int>(m_paths.size())) {
+            painter->setBrush(Qt::NoBrush);
+            painter->setPen(QPen(index == selected ? themeColor("textPrimary", Qt::white)
+                                                   : QColor(255, 255, 255, 170),
+                                 index == selected ? 2.0 : 1.5));
+            painter->drawPath(m_paths[static_cast<std::size_t>(index)]);
+        }
+    }
+    paintOutline(painter);
+}
+
+void ColorRingsCanvasView::paintSector(QPainter* painter, std::size_t index, bool hovered,
+                                       bool selected) const {
+    const SunburstSector& s = m_sectors[index];
+    QColor base = toQColor(s.color);
+    if (hovered || selected) {
+        base = base.lighter(125);
+    }
+    const double opacity = hovered || selected ? 1.0 : s.opacity;
+    // A radial gradient across the ring: brighter at the inner edge, deeper at the outer.
+    QRadialGradient gradient(QPointF(m_centre.x, m_centre.y), s.outerRadiusRatio * m_radius);
+    gradient.setColorAt(s.innerRadiusRatio / s.outerRadiusRatio,
+                        withOpacity(base.lighter(112), opacity));
+    gradient.setColorAt(1.0, withOpacity(base.darker(118), opacity));
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(gradient);
+    painter->drawPath(m_paths[index]);
+}
+
+bool ColorRingsCanvasView::hudIsHover() const {
+    return static_cast<bool>(hoveredItem());
+}
+
+QString ColorRingsCanvasView::hudIcon() const {
+    if (const FileItem item = hoveredItem()) {
+        return item.isDirectory() ? QStringLiteral("folder.fill") : QStringLiteral("doc.fill");
+    }
+    if (navigator() && navigator()->hasSelection()) {
+        return navigator()->selectedItem().isDirectory()
+                   ? QStringLiteral("folder.badge.gearshape.fill")
+                   : QStringLiteral("doc.fill");
+    }
+    return QStringLiteral("internaldrive.fill");
+}
+
+namespace {
+
+// The item the centre display describes: hovered, else selected, else the viewed folder.
+FileItem hudItem(const FileItem& hovered, const StorageNavigator* navigator) {
+    if (hovered) {
+        return hovered;
+    }
+    if (navigator == nullptr) {
+        return {};
+    }
+    return navigator->hasSelection() ? navigator->selectedItem() : navigator->currentFolder();
+}
+
+} // namespace
+
+QString ColorRingsCanvasView::hudName() const {
+    const FileItem item = hudItem(hoveredItem(), navigator());
+    return StorageDetails::displayNameOf(item);
+}
+
+QString ColorRingsCanvasView::hudSizeText() const {
+    const FileItem item = hudItem(hoveredItem(), navigator());
+    return item ? QString::fromStdString(item.formattedSize()) : QString();
+}
+
+QString ColorRingsCanvasView::hudShareText() const {
+    const int index = hoveredShape();
+    if (index < 0 || index >= static_cast<int>(m_sectors.size())) {
+        return {};
+    }
+    return QString::fromStdString(
+               formatPercent(m_sectors[static_cast<std::size_t>(index)].percentage)) +
+           QStringLiteral(" of folder");
+}
+
+QString ColorRingsCanvasView::hudItemsText() const {
+    const FileItem item = hoveredItem();
+    return item && item.isDirectory() ? QString::number(item.fileCount()) + QStringLiteral(" items")
+                                      : QString();
+}
+
+qreal ColorRingsCanvasView::holeRadius() const {
+    ensureShapes();
+    return std::max(0.0, kRingGeometry[0].innerRadiusRatio * m_radius);
+}
+
+} // namespace sondrel

@@ -1,0 +1,360 @@
+#include "ui/src/storage_canvas.h"
+
+#include "app/file_reveal.h"
+#include "app/qt_conversions.h"
+
+#include <QFileInfo>
+#include <QMetaProperty>
+#include <QMimeData>
+#include <QPainter>
+#include <QPainterPath>
+#include <array>
+
+namespace sondrel {
+
+namespace {
+
+constexpr qreal kCornerRadius = 12.0;
+
+struct Threshold {
+    const char* label;
+    qint64 bytes;
+};
+
+// The threshold choices; the labels say "MB" but the limits are binary (MiB, GiB).
+constexpr std::array<Threshold, 5> kThresholds = {{
+    {"All", 0},
+    {"> 10 MB", 10'485'760},
+    {"> 100 MB", 104'857'600},
+    {"> 500 MB", 524'288'000},
+    {"> 1 GB", 1'073'741'824},
+}};
+
+// The first local folder among the dragged URLs, or "".
+QString droppedFolder(const QMimeData* mime) {
+    if (mime == nullptr || !mime->hasUrls()) {
+        return {};
+    }
+    for (const QUrl& url : mime->urls()) {
+        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isDir()) {
+            return url.toLocalFile();
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+StorageCanvas::StorageCanvas(QQuickItem* parent) : QQuickPaintedItem(parent) {
+    setAcceptHoverEvents(true);
+    setAcceptedMouseButtons(Qt::LeftButton | Qt::RightButton);
+    setFlag(ItemAcceptsDrops, true);
+    setAntialiasing(true);
+}
+
+void StorageCanvas::setNavigator(StorageNavigator* navigator) {
+    if (navigator == m_navigator) {
+        return;
+    }
+    if (m_navigator) {
+        disconnect(m_navigator, nullptr, this, nullptr);
+    }
+    m_navigator = navigator;
+    if (navigator != nullptr) {
+        connect(navigator, &StorageNavigator::treeChanged, this, &StorageCanvas::invalidate);
+        connect(navigator, &StorageNavigator::currentFolderChanged, this,
+                &StorageCanvas::invalidate);
+        connect(navigator, &StorageNavigator::treeMutated, this, &StorageCanvas::invalidate);
+        connect(navigator, &StorageNavigator::selectionChanged, this, [this] {
+            emit selectionChanged();
+            update();
+        });
+    }
+    emit navigatorChanged();
+    invalidate();
+}
+
+void StorageCanvas::setTheme(QObject* theme) {
+    if (theme == m_theme) {
+        return;
+    }
+    if (m_theme) {
+        disconnect(m_theme, nullptr, this, nullptr);
+    }
+    m_theme = theme;
+    if (theme != nullptr) {
+        // Repaint whenever the theme's colours change (they all share one notify signal).
+        const QMetaObject* meta = theme->metaObject();
+        const int accent = meta->indexOfProperty("accent");
+        const int repaint = metaObject()->indexOfMethod("update()");
+        if (accent >= 0 && meta->property(accent).hasNotifySignal() && repaint >= 0) {
+            connect(theme, meta->property(accent).notifySignal(), this,
+                    metaObject()->method(repaint));
+        }
+    }
+    emit themeChanged();
+    update();
+}
+
+void StorageCanvas::setMinSizeThreshold(qint64 bytes) {
+    bytes = std::max<qint64>(bytes, 0);
+    if (bytes == m_threshold) {
+        return;
+    }
+    m_threshold = bytes;
+    emit minSizeThresholdChanged();
+    invalidate();
+}
+
+QVariantList StorageCanvas::sizeThresholds() {
+    QVariantList list;
+    for (const Threshold& t : kThresholds) {
+        list.append(QVariantMap{{QStringLiteral("label"), QString::fromLatin1(t.label)},
+                                {QStringLiteral("bytes"), t.bytes}});
+    }
+    return list;
+}
+
+void StorageCanvas::invalidate() {
+    m_dirty = true;
+    m_hovered = -1;
+    emit contentChanged();
+    emit hoverChanged();
+    update();
+}
+
+void StorageCanvas::ensureShapes() const {
+    if (!m_dirty) {
+        return;
+    }
+    // Shapes are caches of the navigator's state; computing them does not change what the
+    // canvas shows, so it is allowed from const accessors. The object itself is never const.
+    auto* self = const_cast<StorageCanvas*>(this);
+    m_dirty = false;
+    m_filtered.clear();
+    m_childCount = 0;
+    const FileItem folder = m_navigator ? m_navigator->currentFolder() : FileItem{};
+    if (folder) {
+        for (FileItem& child : folder.children()) {
+            ++m_childCount;
+            if (m_threshold == 0 || child.size() >= m_threshold) {
+                m_filtered.push_back(std::move(child));
+            }
+        }
+    }
+    self->computeShapes(m_filtered, size());
+}
+
+const std::vector<FileItem>& StorageCanvas::filteredItems() const {
+    ensureShapes();
+    return m_filtered;
+}
+
+bool StorageCanvas::isFilteredEmpty() const {
+    ensureShapes();
+    return m_childCount > 0 && m_filtered.empty();
+}
+
+bool StorageCanvas::hasNothingToShow() const {
+    ensureShapes();
+    return m_childCount == 0;
+}
+
+int StorageCanvas::shapeCount() const {
+    ensureShapes();
+    return shapeCountImpl();
+}
+
+bool StorageCanvas::contextIsApplication() const {
+    return m_navigator && m_navigator->isKnownApplication(m_contextItem);
+}
+
+FileItem StorageCanvas::itemAt(QPointF point) const {
+    ensureShapes();
+    const int index = shapeAt(point);
+    return index >= 0 ? itemOfShape(index) : FileItem{};
+}
+
+QPointF StorageCanvas::centerOf(const FileItem& item) const {
+    ensureShapes();
+    for (int i = 0; i < shapeCountImpl(); ++i) {
+        if (itemOfShape(i) == item) {
+            return shapeCenter(i);
+        }
+    }
+    return {-1, -1};
+}
+
+FileItem StorageCanvas::hoveredItem() const {
+    ensureShapes();
+    return m_hovered >= 0 && m_hovered < shapeCountImpl() ? itemOfShape(m_hovered) : FileItem{};
+}
+
+bool StorageCanvas::isSelected(const FileItem& item) const {
+    return m_navigator && m_navigator->hasSelection() && m_navigator->selectedItem() == item;
+}
+
+QColor StorageCanvas::themeColor(const char* role, const QColor& fallback) const {
+    if (!m_theme) {
+        return fallback;
+    }
+    const QVariant value = m_theme->property(role);
+    return value.canConvert<QColor>() ? value.value<QColor>() : fallback;
+}
+
+void StorageCanvas::paintCard(QPainter* painter) const {
+    const QRectF card = boundingRect().adjusted(1, 1, -1, -1);
+    QPainterPath clip;
+    clip.addRoundedRect(card, kCornerRadius, kCornerRadius);
+    painter->setRenderHint(QPainter::Antialiasing, true);
+    painter->fillPath(clip, themeColor("cardBackground", QColor(0x1b, 0x1e, 0x25)));
+    painter->setClipPath(clip);
+}
+
+void StorageCanvas::paintOutline(QPainter* painter) const {
+    painter->setClipping(false);
+    const qreal width = m_dropTargeted ? 2.0 : 1.0;
+    const QRectF card = boundingRect().adjusted(1, 1, -1, -1);
+    painter->setBrush(Qt::NoBrush);
+    painter->setPen(QPen(m_dropTargeted ? themeColor("accent", QColor(0x3d, 0x8b, 0xff))
+                                        : themeColor("border", QColor(0x33, 0x37, 0x40)),
+                         width));
+    painter->drawRoundedRect(card, kCornerRadius, kCornerRadius);
+}
+
+void StorageCanvas::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) {
+    QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+    if (newGeometry.size() != oldGeometry.size()) {
+        invalidate();
+    }
+}
+
+void StorageCanvas::setHovered(int index) {
+    if (index == m_hovered) {
+        return;
+    }
+    m_hovered = index;
+    onHoverChanged();
+    emit hoverChanged();
+    update();
+}
+
+void StorageCanvas::hoverMoveEvent(QHoverEvent* event) {
+    ensureShapes();
+    setHovered(shapeAt(event->position()));
+}
+
+void StorageCanvas::hoverLeaveEvent(QHoverEvent* /*event*/) {
+    setHovered(-1);
+}
+
+void StorageCanvas::mousePressEvent(QMouseEvent* event) {
+    ensureShapes();
+    forceActiveFocus(Qt::MouseFocusReason);
+    const FileItem item = itemAt(event->position());
+    if (event->button() == Qt::RightButton) {
+        if (item) {
+            m_contextItem = item;
+            emit contextChanged();
+            emit contextMenuRequested(event->position().x(), event->position().y());
+        }
+        event->accept();
+        return;
+    }
+    event->accept();
+}
+
+void StorageCanvas::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !m_navigator) {
+        return;
+    }
+    // A click on an item inspects it; a click on empty space leaves the selection alone.
+    if (const FileItem item = itemAt(event->position())) {
+        m_navigator->setSelectedItem(item);
+    }
+}
+
+void StorageCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !m_navigator) {
+        return;
+    }
+    const FileItem item = itemAt(event->position());
+    if (item && item.isDirectory()) {
+        m_navigator->setCurrentFolder(item);
+        // The first click of the double click selected the folder now being viewed.
+        if (m_navigator->selectedItem() == item) {
+            m_navigator->clearSelection();
+        }
+    }
+    event->accept();
+}
+
+void StorageCanvas::setDropTargeted(bool targeted) {
+    if (targeted != m_dropTargeted) {
+        m_dropTargeted = targeted;
+        emit isTargetedForDropChanged();
+        update();
+    }
+}
+
+void StorageCanvas::dragEnterEvent(QDragEnterEvent* event) {
+    if (droppedFolder(event->mimeData()).isEmpty()) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    setDropTargeted(true);
+}
+
+void StorageCanvas::dragMoveEvent(QDragMoveEvent* event) {
+    event->acceptProposedAction();
+}
+
+void StorageCanvas::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
+    setDropTargeted(false);
+}
+
+void StorageCanvas::dropEvent(QDropEvent* event) {
+    setDropTargeted(false);
+    const QString folder = droppedFolder(event->mimeData());
+    if (folder.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    emit folderDropped(folder);
+}
+
+void StorageCanvas::zoomIntoContextItem() {
+    if (m_navigator && m_contextItem && m_contextItem.isDirectory()) {
+        m_navigator->setCurrentFolder(m_contextItem);
+    }
+}
+
+void StorageCanvas::revealContextItem() {
+    if (m_contextItem) {
+        revealInFileManager(toFileQString(m_contextItem.url()));
+    }
+}
+
+void StorageCanvas::copyContextPath() {
+    if (m_contextItem) {
+        copyTextToClipboard(toFileQString(m_contextItem.url()));
+    }
+}
+
+void StorageCanvas::trashContextItem() {
+    if (m_navigator && m_contextItem) {
+        m_navigator->trashFileItem(m_contextItem);
+        m_contextItem = {};
+        emit contextChanged();
+    }
+}
+
+void StorageCanvas::uninstallContextItem() {
+    if (m_contextItem) {
+        emit uninstallRequested(toFileQString(m_contextItem.url()));
+    }
+}
+
+} // namespace sondrel

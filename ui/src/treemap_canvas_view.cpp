@@ -1,0 +1,148 @@
+#include "ui/src/treemap_canvas_view.h"
+
+#include "app/qt_conversions.h"
+#include "core/model/byte_format.h"
+
+#include <QFontMetricsF>
+#include <QLinearGradient>
+#include <QPainter>
+
+namespace sondrel {
+
+namespace {
+
+// Text rules by tile size (points).
+constexpr double kNameMinWidth = 50;
+constexpr double kNameMinHeight = 35;
+constexpr double kDetailMinWidth = 80;
+constexpr double kDetailMinHeight = 55;
+// Spacing drawn between tiles, and the tile corner radius.
+constexpr qreal kTileInset = 1.0;
+constexpr qreal kTileRadius = 4.0;
+constexpr qreal kTextPadding = 6.0;
+// Fill opacity of a tile: normal, hovered or selected.
+constexpr qreal kNormalOpacity = 0.82;
+constexpr qreal kHoverOpacity = 1.0;
+
+QFont tileFont(int pixelSize, bool bold) {
+    QFont font;
+    font.setPixelSize(pixelSize);
+    font.setBold(bold);
+    return font;
+}
+
+} // namespace
+
+TreemapCanvasView::TreemapCanvasView(QQuickItem* parent) : StorageCanvas(parent) {}
+
+void TreemapCanvasView::computeShapes(const std::vector<FileItem>& items, QSizeF size) {
+    m_items = items;
+    std::vector<std::int64_t> sizes;
+    sizes.reserve(items.size());
+    for (const FileItem& item : items) {
+        sizes.push_back(item.size());
+    }
+    m_nodes = computeLayout(sizes, {0, 0, size.width(), size.height()});
+    m_tiles.clear();
+    m_tiles.reserve(m_nodes.size());
+    for (const TreemapNode& node : m_nodes) {
+        const FileItem& item = m_items[node.index];
+        Tile tile{{}, {}, toQColor(color(item.category()))};
+        if (node.rect.width > kNameMinWidth && node.rect.height > kNameMinHeight) {
+            tile.name = toDisplayQString(item.name());
+            if (node.rect.width > kDetailMinWidth && node.rect.height > kDetailMinHeight) {
+                tile.detail = QString::fromStdString(item.formattedSize()) +
+                              QStringLiteral(" \u2022 ") +
+                              QString::fromStdString(formatPercent(node.percentage));
+            }
+        }
+        m_tiles.push_back(std::move(tile));
+    }
+}
+
+int TreemapCanvasView::shapeAt(QPointF point) const {
+    const auto hit = hitTestTile({point.x(), point.y()}, m_nodes);
+    return hit ? static_cast<int>(*hit) : -1;
+}
+
+FileItem TreemapCanvasView::itemOfShape(int index) const {
+    return m_items[m_nodes[static_cast<std::size_t>(index)].index];
+}
+
+QPointF TreemapCanvasView::shapeCenter(int index) const {
+    const LayoutRect& r = m_nodes[static_cast<std::size_t>(index)].rect;
+    return {r.x + r.width / 2, r.y + r.height / 2};
+}
+
+void TreemapCanvasView::paint(QPainter* painter) {
+    ensureShapes();
+    paintCard(painter);
+    const int hovered = hoveredShape();
+    int selected = -1;
+    for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+        const bool isSel = isSelected(m_items[m_nodes[i].index]);
+        if (isSel) {
+            selected = static_cast<int>(i);
+        }
+        paintTile(painter, m_nodes[i], m_tiles[i], static_cast<int>(i) == hovered, isSel);
+    }
+    // Emphasis outlines go on top so that neighbours do not cover them.
+    const QColor textColor = themeColor("textPrimary", Qt::white);
+    for (const int index : {hovered, selected}) {
+        if (index < 0 || index >= static_cast<int>(m_nodes.size())) {
+            continue;
+        }
+        const LayoutRect& r = m_nodes[static_cast<std::size_t>(index)].rect;
+        const QRectF rect = QRectF(r.x, r.y, r.width, r.height).adjusted(1, 1, -1, -1);
+        painter->setBrush(Qt::NoBrush);
+        painter->setPen(QPen(index == selected ? textColor : QColor(255, 255, 255, 150),
+                             index == selected ? 2.0 : 1.0));
+        painter->drawRoundedRect(rect, kTileRadius, kTileRadius);
+    }
+    paintOutline(painter);
+}
+
+void TreemapCanvasView::paintTile(QPainter* painter, const TreemapNode& node, const Tile& tile,
+                                  bool hovered, bool selected) const {
+    const QRectF rect = QRectF(node.rect.x, node.rect.y, node.rect.width, node.rect.height)
+                            .adjusted(kTileInset, kTileInset, -kTileInset, -kTileInset);
+    if (rect.width() <= 0 || rect.height() <= 0) {
+        return;
+    }
+    QLinearGradient gradient(rect.topLeft(), rect.bottomRight());
+    QColor top = tile.color.lighter(115);
+    QColor bottom = tile.color.darker(135);
+    const qreal opacity = hovered || selected ? kHoverOpacity : kNormalOpacity;
+    top.setAlphaF(static_cast<float>(opacity));
+    bottom.setAlphaF(static_cast<float>(opacity));
+    gradient.setColorAt(0, top);
+    gradient.setColorAt(1, bottom);
+    painter->setPen(QPen(QColor(0, 0, 0, 60), 0.5));
+    painter->setBrush(gradient);
+    if (rect.width() > 2 * kTileRadius && rect.height() > 2 * kTileRadius) {
+        painter->drawRoundedRect(rect, kTileRadius, kTileRadius);
+    } else {
+        painter->drawRect(rect);
+    }
+    if (tile.name.isEmpty()) {
+        return;
+    }
+    const QRectF text = rect.adjusted(kTextPadding, kTextPadding, -kTextPadding, -kTextPadding);
+    painter->setPen(Qt::white);
+    const QFont nameFont = tileFont(12, true);
+    painter->setFont(nameFont);
+    const QFontMetricsF nameMetrics(nameFont);
+    painter->drawText(QPointF(text.left(), text.top() + nameMetrics.ascent()),
+                      nameMetrics.elidedText(tile.name, Qt::ElideRight, text.width()));
+    if (!tile.detail.isEmpty()) {
+        const QFont detailFont = tileFont(11, false);
+        const QFontMetricsF detailMetrics(detailFont);
+        painter->setFont(detailFont);
+        painter->setPen(QColor(255, 255, 255, 210));
+        painter->drawText(
+            QPointF(text.left(), text.top() + nameMetrics.height() + 2 + detailMetrics.ascent()),
+            detailMetrics.elidedText(tile.detail, Qt::ElideRight, text.width()));
+    }
+}
+
+} // namespace sondrel
