@@ -136,9 +136,12 @@ PathVerdict checkRemovablePath(const std::string& path, const std::string& home,
     if (!normal) {
         return PathVerdict::dotComponent;
     }
-    // A home or root that is not a clean absolute path protects nothing and allows nothing:
-    // fall back to the strictest reading.
-    const std::string homeNormal = normalizeAbsolutePath(home).value_or("/");
+    // Without a clean home nothing can be judged safe; a root that is not clean allows nothing.
+    const std::optional<std::string> cleanHome = normalizeAbsolutePath(home);
+    if (!cleanHome || *cleanHome == "/") {
+        return PathVerdict::isHome;
+    }
+    const std::string& homeNormal = *cleanHome;
     std::vector<std::string> roots;
     for (const std::string& root : allowedRoots) {
         if (std::optional<std::string> r = normalizeAbsolutePath(root)) {

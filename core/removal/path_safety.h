@@ -43,7 +43,8 @@ bool isWithinFolder(std::string_view path, std::string_view folder);
 /// and ~/.cache as wholes) and anything outside every root. The disk is consulted too: the
 /// parent folder is resolved through links (realpath) and must still lie inside a root (after
 /// resolving the roots the same way), and a path that is itself a symbolic link is refused when
-/// its target resolves to "/", the home, a root or a protected path. A path that does not
+/// its target resolves to "/", the home, a root or a protected path. A home that is not a clean
+/// absolute path, or is "/", makes every path refused (isHome). A path that does not
 /// exist is judged lexically (and its parent, when that exists). Pure function of its inputs
 /// and the file system; safe on any thread.
 PathVerdict checkRemovablePath(const std::string& path, const std::string& home,

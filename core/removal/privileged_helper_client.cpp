@@ -155,7 +155,7 @@ bool decodeHelperInput(std::string_view input, std::vector<std::string>& roots,
         }
         const char tag = input.front();
         std::string value(input.substr(1, end - 1));
-        if (tag == 'R') {
+        if (tag == 'R' && paths.empty()) {
             roots.push_back(std::move(value));
         } else if (tag == 'P') {
             paths.push_back(std::move(value));

@@ -49,7 +49,8 @@ struct HelperPathResult {
 std::string encodeHelperInput(const std::vector<std::string>& roots,
                               const std::vector<std::string>& paths);
 
-/// Decodes the helper's stdin; false when malformed (a record without its tag or terminator).
+/// Decodes the helper's stdin; false when malformed (a record without its tag or terminator,
+/// or a root after the first path).
 bool decodeHelperInput(std::string_view input, std::vector<std::string>& roots,
                        std::vector<std::string>& paths);
 
