@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Sondrel
 
 // "CPU Activity History": the last 20 total CPU percentages, oldest on the left, 0..100 scale.
-SectionCard {
+TelemetrySectionCard {
     id: card
 
     /// The monitor's cpuHistory (20 values, 0..100).

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 
 // "Memory Allocation": a bar split into active, wired and compressed shares of total memory,
 // and the four figures as pills.
-SectionCard {
+TelemetrySectionCard {
     id: card
 
     /// The "memory" map of the monitor's overview.
@@ -69,7 +69,7 @@ SectionCard {
             theme: card.theme
             label: "Free"
             valueText: card.memory.formattedFree || ""
-            dotColor: card.theme.border
+            dotColor: "transparent"
         }
     }
 }

@@ -25,6 +25,8 @@ Rectangle {
             implicitHeight: 8
             radius: 4
             color: pill.dotColor
+            border.color: pill.theme.textSecondary
+            border.width: pill.dotColor.a < 0.2 ? 1 : 0
         }
         Text {
             text: pill.label

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 
 // Facts about the machine read when the monitor was created: name, OS version, uptime.
-SectionCard {
+TelemetrySectionCard {
     id: card
 
     /// The monitor's overview map.
@@ -13,19 +13,19 @@ SectionCard {
     title: "System"
     iconName: "info.circle.fill"
 
-    FigureRow {
+    TelemetryFigureRow {
         Layout.fillWidth: true
         theme: card.theme
         label: card.labels.hostNameLabel || ""
         valueText: card.overview.hostName || ""
     }
-    FigureRow {
+    TelemetryFigureRow {
         Layout.fillWidth: true
         theme: card.theme
         label: card.labels.osVersionLabel || ""
         valueText: card.overview.osVersion || ""
     }
-    FigureRow {
+    TelemetryFigureRow {
         Layout.fillWidth: true
         theme: card.theme
         label: "System Uptime"

@@ -105,7 +105,7 @@ Rectangle {
                     theme: page.theme
                     memory: page.memory
                 }
-                StorageCard {
+                TelemetryStorageCard {
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     Layout.alignment: Qt.AlignTop

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 
 // The storage breakdown of the start-up volume: total, used, available, purgeable, free.
-SectionCard {
+TelemetrySectionCard {
     id: card
 
     /// The "disk" map of the monitor's overview.
@@ -13,27 +13,27 @@ SectionCard {
     iconName: "internaldrive.fill"
     note: "Total: " + (disk.formattedTotal || "")
 
-    FigureRow {
+    TelemetryFigureRow {
         Layout.fillWidth: true
         theme: card.theme
         label: "Used Space"
         valueText: card.disk.formattedUsed || ""
         valueColor: card.theme.accent
     }
-    FigureRow {
+    TelemetryFigureRow {
         Layout.fillWidth: true
         theme: card.theme
         label: card.availableLabel
         valueText: card.disk.formattedEffectiveAvailable || ""
         valueColor: card.theme.secondaryAccent
     }
-    FigureRow {
+    TelemetryFigureRow {
         Layout.fillWidth: true
         theme: card.theme
         label: "Purgeable"
         valueText: card.disk.formattedPurgeable || ""
     }
-    FigureRow {
+    TelemetryFigureRow {
         Layout.fillWidth: true
         theme: card.theme
         label: "Physical Free"
