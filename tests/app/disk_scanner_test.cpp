@@ -54,7 +54,9 @@ private slots:
         writeFile(dir.filePath("b.bin"), 500);
         DiskScanner scanner;
         bool offThread = false;
-        const auto checkThread = [&] { offThread |= QThread::currentThread() != qApp->thread(); };
+        const auto checkThread = [&] {
+            offThread |= QThread::currentThread() != QCoreApplication::instance()->thread();
+        };
         connect(&scanner, &DiskScanner::progressChanged, this, checkThread, Qt::DirectConnection);
         connect(&scanner, &DiskScanner::progressTextChanged, this, checkThread,
                 Qt::DirectConnection);

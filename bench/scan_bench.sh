@@ -1,0 +1,93 @@
+#!/usr/bin/env bash
+# Folder-scan benchmark: sondrel-cli scan against gdu, ncdu, du and the syscall floor, on one
+# seeded home-like tree, warm cache, in one run.
+#
+# Usage: bench/scan_bench.sh [TREE_DIR] [RUNS]
+#   TREE_DIR  where the generated tree lives (made once; default /var/tmp/sondrel-bench-tree)
+#   RUNS      timed runs per tool after one warm-up run (default 7)
+#
+# Prints for each tool the median wall time, the ratio to the 2-thread floor walker and to
+# sondrel, and the peak RSS (GNU time). Also checks that sondrel's total equals the floor
+# walker's (the same files: hidden names and links skipped, hard links once).
+set -euo pipefail
+
+top=$(cd "$(dirname "$0")/.." && pwd)
+tree=${1:-/var/tmp/sondrel-bench-tree}
+runs=${2:-7}
+build=$top/build/bench-release
+
+if ! command -v gdu >/dev/null || ! command -v ncdu >/dev/null || [ ! -x /usr/bin/time ]; then
+  "$top/scripts/install-deps" --bench
+fi
+
+cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DSONDREL_BUILD_GUI=OFF >/dev/null
+cmake --build "$build" --target sondrel-cli sondrel-bench-tree_gen sondrel-bench-floor_walker \
+  -j2 >/dev/null
+cli=$build/cli/sondrel-cli
+floor=$build/bench/sondrel-bench-floor_walker
+
+if [ ! -e "$tree/.complete" ]; then
+  rm -rf "$tree"
+  echo "generating the tree in $tree ..."
+  "$build/bench/sondrel-bench-tree_gen" "$tree" --seed 1
+  touch "$tree/.complete"
+fi
+
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+
+declare -A commands=(
+  [sondrel]="$cli --json scan $tree"
+  [floor-2t]="$floor --threads 2 --skip-hidden $tree"
+  [gdu]="gdu -npc $tree"
+  [ncdu]="ncdu -0 -o /dev/null $tree"
+  [du]="du -sb $tree"
+)
+order=(floor-2t sondrel gdu ncdu du)
+
+median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
+
+declare -A wall rss
+for tool in "${order[@]}"; do
+  cmd=${commands[$tool]}
+  $cmd >/dev/null 2>&1 || true # warm-up: caches filled, binary paged in
+  : >"$scratch/$tool"
+  for ((i = 0; i < runs; i++)); do
+    /usr/bin/time -f "%e %M" -o "$scratch/t" $cmd >/dev/null 2>/dev/null || true
+    cat "$scratch/t" >>"$scratch/$tool"
+  done
+  wall[$tool]=$(awk '{ print $1 }' "$scratch/$tool" | median)
+  rss[$tool]=$(awk '{ print $2 }' "$scratch/$tool" | median)
+done
+
+echo
+echo "tree: $tree ($(nproc) cores, $runs warm runs each, medians)"
+printf '%-10s %9s %10s %12s %12s\n' tool "wall s" "x floor" "x sondrel" "peak RSS MB"
+for tool in "${order[@]}"; do
+  printf '%-10s %9.3f %10.2f %12.2f %12.1f\n' "$tool" "${wall[$tool]}" \
+    "$(echo "${wall[$tool]} / ${wall[floor-2t]}" | bc -l)" \
+    "$(echo "${wall[$tool]} / ${wall[sondrel]}" | bc -l)" \
+    "$(echo "${rss[$tool]} / 1024" | bc -l)"
+done
+
+echo
+echo "targets: sondrel <= 1.15 x floor-2t; gdu / sondrel >= 2.4; sondrel RSS <= gdu RSS / 5"
+printf 'measured: sondrel / floor = %.2f; gdu / sondrel = %.2f; gdu RSS / sondrel RSS = %.1f\n' \
+  "$(echo "${wall[sondrel]} / ${wall[floor-2t]}" | bc -l)" \
+  "$(echo "${wall[gdu]} / ${wall[sondrel]}" | bc -l)" \
+  "$(echo "${rss[gdu]} / ${rss[sondrel]}" | bc -l)"
+
+# Totals: the floor walker and the scan must agree to the byte.
+floor_bytes=$($floor --threads 2 --skip-hidden "$tree" | awk '{ print $4 }')
+scan_bytes=$($cli --json scan --depth 1 "$tree" | grep -o '"size":[0-9]*' | head -1 | cut -d: -f2)
+if [ "$floor_bytes" = "$scan_bytes" ]; then
+  echo "totals agree: $scan_bytes bytes"
+else
+  echo "TOTALS DIFFER: floor $floor_bytes, sondrel $scan_bytes" >&2
+  exit 1
+fi
+
+# Memory of the tree itself: arena bytes per node at the default depth and at full depth.
+cmake --build "$build" --target sondrel-bench-scan_stats -j2 >/dev/null
+"$build/bench/sondrel-bench-scan_stats" "$tree" --depth 4
+"$build/bench/sondrel-bench-scan_stats" "$tree" --depth 1000
