@@ -91,11 +91,12 @@ SystemMonitor::SystemMonitor(std::unique_ptr<SystemSampler> sampler, QObject* pa
     m_timer.setInterval(kIntervalMilliseconds);
     m_timer.setTimerType(Qt::CoarseTimer);
     connect(&m_timer, &QTimer::timeout, this, &SystemMonitor::refresh);
+    publishOverview();
 }
 
 SystemMonitor::~SystemMonitor() = default;
 
-QVariantMap SystemMonitor::overview() const {
+void SystemMonitor::publishOverview() {
     QVariantMap map;
     map.insert("cpu", cpuMap(m_overview.cpu));
     map.insert("memory", memoryMap(m_overview.memory));
@@ -104,7 +105,7 @@ QVariantMap SystemMonitor::overview() const {
     map.insert("osVersion", text(m_overview.osVersion));
     map.insert("uptimeHours", m_overview.uptimeHours);
     map.insert("formattedUptime", text(m_overview.formattedUptime()));
-    return map;
+    m_overviewMap = std::move(map);
 }
 
 QVariantMap SystemMonitor::labels() {
@@ -149,6 +150,7 @@ void SystemMonitor::refresh() {
     while (m_cpuHistory.size() > kHistoryLength) {
         m_cpuHistory.removeFirst();
     }
+    publishOverview();
     emit overviewChanged();
     emit cpuHistoryChanged();
 }

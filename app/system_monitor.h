@@ -66,7 +66,8 @@ public:
     SystemMonitor(const SystemMonitor&) = delete;
     SystemMonitor& operator=(const SystemMonitor&) = delete;
 
-    QVariantMap overview() const;
+    /// The map published as `overview`, rebuilt by every refresh() (cheap to copy: shared).
+    const QVariantMap& overview() const { return m_overviewMap; }
     const QList<double>& cpuHistory() const { return m_cpuHistory; }
     static QVariantMap labels();
     bool isMonitoring() const { return m_isMonitoring; }
@@ -90,9 +91,13 @@ signals:
     void isMonitoringChanged();
 
 private:
+    /// Rebuilds m_overviewMap from m_overview.
+    void publishOverview();
+
     std::unique_ptr<SystemSampler> m_sampler;
     CpuLoadTracker m_cpuTracker;
     SystemOverview m_overview;
+    QVariantMap m_overviewMap;
     QList<double> m_cpuHistory;
     QTimer m_timer; // child of this monitor, so tests can find it
     bool m_isMonitoring = false;
