@@ -196,6 +196,10 @@ void StorageDetails::openSelectedInRings() {
     }
 }
 
+void StorageDetails::clearSelection() {
+    m_navigator->clearSelection();
+}
+
 bool StorageDetails::trashSelected() {
     return hasSelection() && m_navigator->trashFileItem(m_navigator->selectedItem());
 }

@@ -83,6 +83,8 @@ public:
     Q_INVOKABLE void revealSelected();
     /// "Open Rings": drills into the selected folder and shows the colour rings.
     Q_INVOKABLE void openSelectedInRings();
+    /// "Clear selection".
+    Q_INVOKABLE void clearSelection();
     /// Moves the selection to the Trash through the navigator; false when that failed.
     Q_INVOKABLE bool trashSelected();
 

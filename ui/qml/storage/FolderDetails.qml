@@ -1,0 +1,108 @@
+import QtQuick
+
+// Details of the viewed folder: name, size and item count, "Breakdown by Category" and
+// "Contents (N)" sorted by size.
+Item {
+    id: folder
+
+    required property var navigator
+    required property var theme
+    readonly property var details: navigator.details
+
+    Column {
+        id: header
+        anchors.left: parent.left
+        anchors.right: parent.right
+        spacing: 8
+
+        Row {
+            spacing: 8
+            StorageSymbol {
+                anchors.verticalCenter: parent.verticalCenter
+                name: "internaldrive"
+                size: 22
+                tint: folder.theme.accent
+            }
+            Text {
+                anchors.verticalCenter: parent.verticalCenter
+                width: header.width - 40
+                text: folder.details.folderName
+                elide: Text.ElideMiddle
+                color: folder.theme.textPrimary
+                font.pixelSize: 16
+                font.bold: true
+            }
+        }
+        Text {
+            text: folder.details.folderSizeText + "  \u2022  " + folder.details.folderItemsText
+            color: folder.theme.textSecondary
+            font.pixelSize: 12
+        }
+        Text {
+            topPadding: 6
+            text: "Breakdown by Category"
+            color: folder.theme.textPrimary
+            font.pixelSize: 13
+            font.bold: true
+        }
+        Repeater {
+            model: folder.details.breakdown
+
+            Row {
+                required property var modelData
+                spacing: 8
+                Rectangle {
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: 10
+                    height: 10
+                    radius: 3
+                    color: modelData.color
+                }
+                Text {
+                    width: 120
+                    text: modelData.name
+                    color: folder.theme.textPrimary
+                    font.pixelSize: 12
+                }
+                Text {
+                    text: modelData.sizeText + " \u2022 " + modelData.shareText
+                    color: folder.theme.textSecondary
+                    font.pixelSize: 12
+                }
+            }
+        }
+        Row {
+            topPadding: 6
+            spacing: 8
+            Text {
+                text: "Contents (" + folder.navigator.contents.count + ")"
+                color: folder.theme.textPrimary
+                font.pixelSize: 13
+                font.bold: true
+            }
+            Text {
+                anchors.bottom: parent.bottom
+                text: "Sorted by size"
+                color: folder.theme.textSecondary
+                font.pixelSize: 11
+            }
+        }
+    }
+
+    ListView {
+        objectName: "contentsList"
+        anchors.top: header.bottom
+        anchors.topMargin: 6
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        clip: true
+        spacing: 2
+        model: folder.navigator.contents
+        delegate: ItemRowView {
+            width: ListView.view.width
+            contents: folder.navigator.contents
+            theme: folder.theme
+        }
+    }
+}

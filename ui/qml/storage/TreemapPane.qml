@@ -1,0 +1,55 @@
+import QtQuick
+import Sondrel
+
+// The treemap visualiser: the threshold bar above the treemap canvas with its overlays and
+// context menu. Drilling down plays a short zoom-in transition.
+Item {
+    id: pane
+
+    required property var navigator
+    required property var theme
+
+    signal folderDropped(string path)
+    signal uninstallRequested(string path)
+
+    ThresholdFilterBar {
+        id: filterBar
+        anchors.top: parent.top
+        anchors.left: parent.left
+        canvas: canvas
+        theme: pane.theme
+    }
+
+    TreemapCanvasView {
+        id: canvas
+        objectName: "treemapCanvas"
+        anchors.top: filterBar.bottom
+        anchors.topMargin: 10
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        navigator: pane.navigator
+        theme: pane.theme
+        focus: true
+        onFolderDropped: path => pane.folderDropped(path)
+        onUninstallRequested: path => pane.uninstallRequested(path)
+        onContextMenuRequested: (x, y) => contextMenu.popup(canvas, x, y)
+
+        CanvasOverlays {
+            anchors.fill: parent
+            canvas: canvas
+            theme: pane.theme
+            emptySymbol: "square.grid.2x2"
+        }
+        StorageContextMenu {
+            id: contextMenu
+            canvas: canvas
+            details: pane.navigator.details
+        }
+    }
+
+    DrillTransition {
+        target: canvas
+        navigator: pane.navigator
+    }
+}
