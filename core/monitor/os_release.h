@@ -11,7 +11,8 @@ namespace sondrel {
 std::string prettyNameFromOsRelease(std::string_view text);
 
 /// "PRETTY_NAME, kernel RELEASE" ("Debian GNU/Linux 12 (bookworm), kernel 6.1.0-18-amd64");
-/// either part alone when the other is empty; "" when both are.
+/// "PRETTY_NAME" without a kernel release, "kernel RELEASE" without a pretty name, "" without
+/// both.
 std::string osVersionText(std::string_view prettyName, std::string_view kernelRelease);
 
 } // namespace sondrel

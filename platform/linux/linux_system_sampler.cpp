@@ -7,6 +7,7 @@
 #include <charconv>
 #include <fcntl.h>
 #include <limits>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/utsname.h>
 #include <unistd.h>
@@ -16,11 +17,17 @@ namespace sondrel {
 
 namespace {
 
-// Reads a small text file whole (proc files report size 0, so read until end of file).
+// Reads a small regular text file whole (proc files report size 0, so read until end of file).
 // Returns "" when the file cannot be opened or read; at most `limit` bytes are kept.
 std::string readSmallFile(const std::string& path, std::size_t limit = 1 << 20) {
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (fd < 0) {
+        return {};
+    }
+    // Only regular files are read (proc files are regular): never a FIFO, socket or device.
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(fd);
         return {};
     }
     std::string text;
