@@ -34,6 +34,11 @@ private:
     int m_fd;
 };
 
+std::function<void(const std::string&)>& raceHook() {
+    static std::function<void(const std::string&)> hook;
+    return hook;
+}
+
 constexpr int kDirFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 void addFailure(RemovalReport& report, std::string path, int error) {
@@ -89,6 +94,9 @@ void removeEntry(int parentFd, const std::string& name, const std::string& path,
         return;
     }
     if (S_ISDIR(info.st_mode)) {
+        if (raceHook()) {
+            raceHook()(path);
+        }
         const Fd child(openat(parentFd, name.c_str(), kDirFlags));
         if (!child.valid() && errno != ELOOP && errno != ENOTDIR) {
             if (errno != ENOENT) {
@@ -209,6 +217,10 @@ RemovalReport removePermanently(const std::string& path, const std::string& home
         }
     }
     return report;
+}
+
+void setRemovalRaceHookForTesting(std::function<void(const std::string& path)> hook) {
+    raceHook() = std::move(hook);
 }
 
 bool clearImmutableFlags(const std::string& path) {

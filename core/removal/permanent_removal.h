@@ -4,6 +4,7 @@
 // so swapping a folder for a link while the walk runs never leads outside the item.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,11 @@ struct RemovalReport {
 /// Blocking; safe on any thread. Very deep trees are limited by the open-file limit (each level
 /// holds one descriptor); deeper levels are reported as failures.
 RemovalReport removePermanently(const std::string& path, const std::string& homeTrash = {});
+
+/// Test seam: `hook` is called with a folder's path after the walk looked at it and before it
+/// opens it, so a test can swap the folder for a link at exactly that moment. Empty by default;
+/// set it only while no removal runs.
+void setRemovalRaceHookForTesting(std::function<void(const std::string& path)> hook);
 
 /// Clears the immutable and append-only attributes of `path` itself (FS_IOC_SETFLAGS) where the
 /// caller may; links and special files are left alone. Returns whether the flags are now clear

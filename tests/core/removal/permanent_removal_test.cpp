@@ -4,6 +4,7 @@
 #include "removal_test_support.h"
 
 #include <atomic>
+#include <chrono>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/fs.h>
@@ -101,7 +102,9 @@ TEST(PermanentRemoval, RacingSwapNeverEscapes) {
                 const std::string aside = folder + ".aside";
                 if (rename(folder.c_str(), aside.c_str()) == 0) {
                     symlink(outside.c_str(), folder.c_str());
-                    std::this_thread::yield();
+                    // Leave the link in place a moment so the walk meets it between looking
+                    // at the name and opening it.
+                    std::this_thread::sleep_for(std::chrono::microseconds(i % 3 == 0 ? 0 : 50));
                     unlink(folder.c_str());
                     rename(aside.c_str(), folder.c_str());
                 }
@@ -119,6 +122,37 @@ TEST(PermanentRemoval, RacingSwapNeverEscapes) {
             ASSERT_TRUE(exists(outside + "/nested/sentinel-" + std::to_string(i)));
         }
     }
+}
+
+// The same swap at the worst possible moment, every time: between looking at a folder and
+// opening it.
+TEST(PermanentRemoval, SwapBetweenLookAndOpenNeverEscapes) {
+    test::TempDir dir;
+    const std::string outside = dir.makeDir("outside");
+    const std::string precious = dir.writeFile("outside/precious", "keep");
+    dir.writeFile("victim/a/b/c/file", "x");
+    dir.writeFile("victim/a/other", "x");
+    int swaps = 0;
+    const std::string victim = dir / "victim";
+    setRemovalRaceHookForTesting([&](const std::string& path) {
+        if (path == victim) {
+            return;
+        }
+        const std::string aside = path + ".aside";
+        if (rename(path.c_str(), aside.c_str()) == 0 &&
+            symlink(outside.c_str(), path.c_str()) == 0) {
+            ++swaps;
+        }
+    });
+    const RemovalReport report = removePermanently(dir / "victim");
+    setRemovalRaceHookForTesting({});
+    EXPECT_GT(swaps, 0);
+    EXPECT_EQ(test::readFile(precious), "keep");
+    EXPECT_TRUE(exists(outside));
+    // What was set aside is still inside the item; a second pass takes it.
+    EXPECT_FALSE(report.removed);
+    EXPECT_TRUE(removePermanently(dir / "victim").removed);
+    EXPECT_EQ(test::readFile(precious), "keep");
 }
 
 TEST(PermanentRemoval, ImmutableItemsFailCleanlyAndTheRestGoes) {
