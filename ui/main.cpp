@@ -1,19 +1,76 @@
-// Entry point of the desktop application `sondrel`.
+// Entry point of the desktop application `sondrel`. Usage: sondrel [FOLDER]
+// With FOLDER (a path or a file:// URL, as file managers and the desktop entry pass it) the
+// window opens on the storage section scanning that folder instead of the home folder.
+
+#include "app/app_root.h"
+#include "ui/src/app_actions.h"
+#include "ui/src/shell_setup.h"
+#include "ui/src/tray_icon.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+#include <QIcon>
 #include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QUrl>
+#include <QtQml/qqmlextensionplugin.h>
+
+Q_IMPORT_QML_PLUGIN(SondrelPlugin)
+
+namespace {
+
+// The folder named on the command line as an absolute path, or "" when none or not a folder.
+QString folderArgument(const QStringList& positional) {
+    if (positional.isEmpty()) {
+        return {};
+    }
+    const QUrl url =
+        QUrl::fromUserInput(positional.constFirst(), QDir::currentPath(), QUrl::AssumeLocalFile);
+    if (!url.isLocalFile()) {
+        return {};
+    }
+    const QFileInfo info(url.toLocalFile());
+    return info.isDir() ? info.absoluteFilePath() : QString();
+}
+
+} // namespace
 
 int main(int argc, char* argv[]) {
-    // QApplication (not QGuiApplication) because the tray icon needs the widgets module.
+    // QApplication (not QGuiApplication) because the tray icon and the panels need widgets.
     QApplication app(argc, argv);
-    QApplication::setOrganizationName("Sondrel");
-    QApplication::setApplicationName("Sondrel");
-    QApplication::setApplicationVersion(SONDREL_VERSION);
+    QApplication::setOrganizationName(QStringLiteral("Sondrel"));
+    QApplication::setApplicationName(QStringLiteral("Sondrel"));
+    QApplication::setApplicationVersion(QStringLiteral(SONDREL_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("sondrel"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/sondrel/app/sondrel.svg")));
+    // Closing the window ends the program even while the tray icon is shown.
+    QApplication::setQuitOnLastWindowClosed(true);
 
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("See and reclaim disk space, and watch the machine's load."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("folder"),
+                                 QStringLiteral("Folder to scan instead of the home folder."));
+    parser.process(app);
+
+    sondrel::AppRoot root;
+    const QString folder = folderArgument(parser.positionalArguments());
+    if (!folder.isEmpty()) {
+        root.openFolderAtStart(folder);
+    } else if (!parser.positionalArguments().isEmpty()) {
+        qWarning("sondrel: not a folder: %s", qPrintable(parser.positionalArguments().first()));
+    }
+
+    sondrel::AppActions actions;
     QQmlApplicationEngine engine;
-    QObject::connect(
-        &engine, &QQmlApplicationEngine::objectCreationFailed, &app,
-        [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);
-    engine.load(QUrl(QStringLiteral("qrc:/Sondrel/qml/Main.qml")));
+    if (sondrel::loadMainWindow(engine, &root, &actions) == nullptr) {
+        return 1;
+    }
+    sondrel::TrayIcon tray(&actions);
+    tray.show();
     return QApplication::exec();
 }

@@ -1,0 +1,272 @@
+#include "app/app_root.h"
+
+#include "app/qt_conversions.h"
+#include "app/scan_target.h"
+#include "core/model/platform_terms.h"
+#include "core/removal/path_safety.h"
+#include "core/removal/trash.h"
+#include "platform/locations.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QVariantMap>
+#include <unistd.h>
+
+namespace sondrel {
+
+namespace {
+
+constexpr int kSectionCount = 8;
+
+QString platformText(const char* text) {
+    return QString::fromStdString(withPlatformTerms(text, currentTextPlatform()));
+}
+
+// The file manager's plain move to the Trash. The scan root, "/", the home folder and the
+// protected folders (~/.ssh, keyrings, ...) are refused before anything is moved.
+bool moveToUserTrash(const std::string& path, const Locations& locations) {
+    if (checkRemovablePath(path, locations.home, {"/"}) != PathVerdict::allowed) {
+        return false;
+    }
+    TrashContext context;
+    context.home = locations.home;
+    context.dataHome = locations.dataHome;
+    context.uid = ::getuid();
+    context.gid = ::getgid();
+    return moveToTrash(path, context).ok;
+}
+
+QVariantMap section(const QVariantMap& overview, const char* key) {
+    return overview.value(QString::fromLatin1(key)).toMap();
+}
+
+} // namespace
+
+AppRoot::AppRoot(QObject* parent) : AppRoot(Locations::forCurrentUser(), parent) {}
+
+AppRoot::AppRoot(Locations locations, QObject* parent)
+    : QObject(parent), m_locations(std::make_unique<const Locations>(std::move(locations))),
+      m_themeManager(new ThemeManager(this)), m_diskScanner(new DiskScanner(this)),
+      m_navigator(new StorageNavigator(this)), m_systemMonitor(new SystemMonitor(this)),
+      m_selectedTargetFolder(toFileQString(m_locations->home)) {
+    // A new tree replaces the navigator's state, so a folder or selection of the old tree is
+    // never shown against the new root.
+    connect(m_diskScanner, &DiskScanner::rootItemChanged, this,
+            [this] { m_navigator->setRoot(m_diskScanner->rootItem()); });
+    m_navigator->setTrasher([locations = *m_locations](const std::string& path) {
+        return moveToUserTrash(path, locations);
+    });
+    connect(m_systemMonitor, &SystemMonitor::overviewChanged, this, &AppRoot::stripChanged);
+    if (auto* app = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        connect(app, &QGuiApplication::applicationStateChanged, this,
+                [this](Qt::ApplicationState state) {
+                    setApplicationActive(state == Qt::ApplicationActive);
+                });
+    }
+    refreshScanTargetsFrom({});
+}
+
+AppRoot::~AppRoot() = default;
+
+void AppRoot::setSelectedSection(int section) {
+    if (section < 0 || section >= kSectionCount || section == selectedSection()) {
+        return;
+    }
+    m_selectedSection = static_cast<NavigationSection>(section);
+    if (m_selectedSection == NavigationSection::monitor) {
+        m_systemMonitor->startMonitoring();
+    } else {
+        m_systemMonitor->stopMonitoring();
+    }
+    emit selectedSectionChanged();
+}
+
+QStringList AppRoot::sectionTitles() {
+    return {QStringLiteral("Smart Care"),       QStringLiteral("Storage Scopix"),
+            QStringLiteral("Duplicate Hunter"), QStringLiteral("App Uninstaller"),
+            QStringLiteral("Junk & Dev Cache"), QStringLiteral("Intelligent Search"),
+            QStringLiteral("Live Telemetry"),   QStringLiteral("Themes & Settings")};
+}
+
+QStringList AppRoot::sectionSymbols() {
+    return {QStringLiteral("bolt.shield.fill"),
+            QStringLiteral("square.grid.2x2.fill"),
+            QStringLiteral("doc.on.doc.fill"),
+            QStringLiteral("trash.fill"),
+            QStringLiteral("sparkles"),
+            QStringLiteral("magnifyingglass"),
+            QStringLiteral("gauge.with.needle.fill"),
+            QStringLiteral("paintpalette.fill")};
+}
+
+QString AppRoot::diskStripText() const {
+    const QVariantMap disk = section(m_systemMonitor->overview(), "disk");
+    if (disk.value(QStringLiteral("totalBytes")).toDouble() <= 0) {
+        return {};
+    }
+    return QStringLiteral("Disk: %1 used / %2 free")
+        .arg(disk.value(QStringLiteral("formattedUsed")).toString(),
+             disk.value(QStringLiteral("formattedFree")).toString());
+}
+
+QString AppRoot::availableStripText() const {
+    const QVariantMap disk = section(m_systemMonitor->overview(), "disk");
+    if (disk.value(QStringLiteral("totalBytes")).toDouble() <= 0) {
+        return {};
+    }
+    return QStringLiteral("Total Available: ") +
+           disk.value(QStringLiteral("formattedEffectiveAvailable")).toString();
+}
+
+QString AppRoot::ramStripText() const {
+    const QVariantMap memory = section(m_systemMonitor->overview(), "memory");
+    if (memory.value(QStringLiteral("totalBytes")).toDouble() <= 0) {
+        return {};
+    }
+    return QStringLiteral("RAM: %1%")
+        .arg(memory.value(QStringLiteral("usagePercent")).toDouble(), 0, 'f', 0);
+}
+
+double AppRoot::diskUsedFraction() const {
+    const QVariantMap disk = section(m_systemMonitor->overview(), "disk");
+    const double total = disk.value(QStringLiteral("totalBytes")).toDouble();
+    return total > 0 ? qBound(0.0, disk.value(QStringLiteral("usedBytes")).toDouble() / total, 1.0)
+                     : 0.0;
+}
+
+void AppRoot::openFolderAtStart(const QString& folder) {
+    if (folder.isEmpty()) {
+        return;
+    }
+    setSelectedTargetFolder(folder);
+    setSelectedSection(static_cast<int>(NavigationSection::treemap));
+}
+
+void AppRoot::windowAppeared() {
+    if (m_appeared) {
+        return;
+    }
+    m_appeared = true;
+    // One sample so the sidebar strip has figures; sampling on a timer is the telemetry
+    // section's alone.
+    m_systemMonitor->refresh();
+    refreshScanTargets();
+    if (!m_diskScanner->hasRootItem() && !m_diskScanner->isScanning()) {
+        emit scanRequested(m_selectedTargetFolder);
+        m_diskScanner->scan(m_selectedTargetFolder);
+    }
+}
+
+void AppRoot::setApplicationActive(bool active) {
+    if (!active) {
+        m_systemMonitor->stopMonitoring();
+    } else if (m_selectedSection == NavigationSection::monitor) {
+        m_systemMonitor->startMonitoring();
+    }
+}
+
+void AppRoot::setSelectedTargetFolder(const QString& folder) {
+    if (folder != m_selectedTargetFolder) {
+        m_selectedTargetFolder = folder;
+        emit selectedTargetFolderChanged();
+    }
+}
+
+void AppRoot::scanFolder(const QString& folder) {
+    if (folder.isEmpty()) {
+        return;
+    }
+    setSelectedTargetFolder(folder);
+    if (m_diskScanner->isScanning()) {
+        m_diskScanner->cancel();
+    }
+    emit scanRequested(folder);
+    m_diskScanner->scan(folder);
+}
+
+void AppRoot::rescan() {
+    scanFolder(m_selectedTargetFolder);
+}
+
+void AppRoot::scanHomeFolder() {
+    scanFolder(toFileQString(m_locations->home));
+}
+
+void AppRoot::activateScanTarget(int index) {
+    if (index < 0 || index >= m_scanTargets.size()) {
+        return;
+    }
+    const QVariantMap target = m_scanTargets.at(index).toMap();
+    const QString kind = target.value(QStringLiteral("kind")).toString();
+    const QString path = target.value(QStringLiteral("path")).toString();
+    if (kind == QLatin1String("folder")) {
+        scanFolder(path);
+    } else if (kind == QLatin1String("cloud")) {
+        requestCloudAccessAndScan(path, target.value(QStringLiteral("label")).toString());
+    } else {
+        emit customFolderRequested();
+    }
+}
+
+void AppRoot::refreshScanTargets() {
+    refreshScanTargetsFrom(detectCloudFoldersForCurrentUser(*m_locations));
+}
+
+void AppRoot::refreshScanTargetsFrom(const std::vector<CloudFolder>& cloudFolders) {
+    m_scanTargets.clear();
+    for (const ScanTarget& target : scanTargetMenu(*m_locations, cloudFolders)) {
+        m_scanTargets.append(target.toVariantMap());
+    }
+    emit scanTargetsChanged();
+}
+
+bool AppRoot::requestCloudAccessAndScan(const QString& path, const QString& name) {
+    QDir dir(path);
+    const bool listable = QFileInfo(path).isDir() && dir.isReadable() &&
+                          DiskScanner::isPathAccessibleAndReadable(path);
+    if (listable) {
+        scanFolder(path);
+        return true;
+    }
+    emit permissionRequired(path, name);
+    return false;
+}
+
+bool AppRoot::scanChosenFolder(const QUrl& folder) {
+    if (folder.isEmpty() || !folder.isLocalFile()) {
+        return false;
+    }
+    const QString path = QDir::cleanPath(folder.toLocalFile());
+    if (!QFileInfo(path).isDir()) {
+        return false;
+    }
+    scanFolder(path);
+    return true;
+}
+
+bool AppRoot::scanChosenPath(const QString& path) {
+    return !path.isEmpty() && scanChosenFolder(QUrl::fromLocalFile(path));
+}
+
+QString AppRoot::permissionTitle(const QString& name) const {
+    return QStringLiteral("Permission Required for ") + name;
+}
+
+QString AppRoot::permissionMessage(const QString& name) const {
+    QString text = platformText("macOS requires permission to scan your ") + name +
+                   QStringLiteral(" files.\n\nClick 'Grant Permission' to select your ") + name +
+                   QStringLiteral(" folder and authorize access");
+    // There is no privacy settings panel to send the user to on Linux.
+    if (currentTextPlatform() == TextPlatform::macos) {
+        text += QStringLiteral(", or open System Settings");
+    }
+    return text + QLatin1Char('.');
+}
+
+QString AppRoot::grantPanelMessage(const QString& name) const {
+    return QStringLiteral("Select your ") + name +
+           QStringLiteral(" folder to grant Sondrel scanning permission.");
+}
+
+} // namespace sondrel

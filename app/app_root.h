@@ -1,0 +1,169 @@
+#pragma once
+// AppRoot: the composition root of the window. It creates exactly one of each engine for the
+// window's life and hands them to the pages as properties; no page creates an engine. It also
+// holds the window's navigation state (the selected section), the scan target with its menu and
+// permission flow, the wiring of trashing to the Trash, and the telemetry lifetime: the system
+// monitor samples only while "Live Telemetry" is shown and the application is active.
+//
+// Threading: GUI thread only. Ownership: AppRoot is the parent of every engine it creates.
+
+#include "app/disk_scanner.h"
+#include "app/storage_navigator.h"
+#include "app/system_monitor.h"
+#include "app/theme_manager.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+#include <QVariantList>
+#include <memory>
+#include <vector>
+
+namespace sondrel {
+
+// Forward declared: moc cannot parse platform/locations.h (its enumerator `linux` is a
+// predefined macro of GNU C++ modes).
+struct Locations;
+struct CloudFolder;
+
+/// The sidebar's sections, in sidebar order.
+enum class NavigationSection : int {
+    smartClean,
+    treemap,
+    duplicates,
+    uninstaller,
+    junk,
+    search,
+    monitor,
+    settings,
+};
+
+class AppRoot : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(sondrel::ThemeManager* themeManager READ themeManager CONSTANT)
+    Q_PROPERTY(sondrel::DiskScanner* diskScanner READ diskScanner CONSTANT)
+    Q_PROPERTY(sondrel::StorageNavigator* navigator READ navigator CONSTANT)
+    Q_PROPERTY(sondrel::SystemMonitor* systemMonitor READ systemMonitor CONSTANT)
+    /// Index of the shown section (NavigationSection); the window opens on Smart Care (0).
+    Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
+                   selectedSectionChanged)
+    /// The eight section titles, in order.
+    Q_PROPERTY(QStringList sectionTitles READ sectionTitles CONSTANT)
+    /// The eight section icon symbols, in order.
+    Q_PROPERTY(QStringList sectionSymbols READ sectionSymbols CONSTANT)
+    /// The folder the next scan or rescan walks (a path as Qt stores file names).
+    Q_PROPERTY(
+        QString selectedTargetFolder READ selectedTargetFolder NOTIFY selectedTargetFolderChanged)
+    /// The scan-target menu: maps with "label", "path", "symbol", "kind" (see ScanTarget).
+    Q_PROPERTY(QVariantList scanTargets READ scanTargets NOTIFY scanTargetsChanged)
+    /// The sidebar strip's lines, from the monitor's last sample ("" before the first one).
+    Q_PROPERTY(QString diskStripText READ diskStripText NOTIFY stripChanged)
+    Q_PROPERTY(QString availableStripText READ availableStripText NOTIFY stripChanged)
+    Q_PROPERTY(QString ramStripText READ ramStripText NOTIFY stripChanged)
+    /// Used share of the disk, 0..1 (0 before the first sample).
+    Q_PROPERTY(double diskUsedFraction READ diskUsedFraction NOTIFY stripChanged)
+
+public:
+    /// Creates the engines for the running user's home (Locations::forCurrentUser()).
+    explicit AppRoot(QObject* parent = nullptr);
+    /// Creates the engines for `locations` (tests pass a temporary home). The initial scan
+    /// target is its home folder.
+    explicit AppRoot(Locations locations, QObject* parent = nullptr);
+    ~AppRoot() override;
+    AppRoot(const AppRoot&) = delete;
+    AppRoot& operator=(const AppRoot&) = delete;
+
+    ThemeManager* themeManager() const { return m_themeManager; }
+    DiskScanner* diskScanner() const { return m_diskScanner; }
+    StorageNavigator* navigator() const { return m_navigator; }
+    SystemMonitor* systemMonitor() const { return m_systemMonitor; }
+    const Locations& locations() const { return *m_locations; }
+
+    int selectedSection() const { return static_cast<int>(m_selectedSection); }
+    /// Shows another section (out-of-range values are ignored). Showing "Live Telemetry"
+    /// starts the monitor; showing any other section stops it.
+    void setSelectedSection(int section);
+
+    static QStringList sectionTitles();
+    static QStringList sectionSymbols();
+
+    const QString& selectedTargetFolder() const { return m_selectedTargetFolder; }
+    const QVariantList& scanTargets() const { return m_scanTargets; }
+
+    QString diskStripText() const;
+    QString availableStripText() const;
+    QString ramStripText() const;
+    double diskUsedFraction() const;
+
+    /// Makes `folder` the scan target and shows the storage section; the scan starts when the
+    /// window appears (the command line's `sondrel FOLDER`). Call before windowAppeared().
+    void openFolderAtStart(const QString& folder);
+
+    /// Called once the window is shown. The first call takes one monitor sample for the
+    /// sidebar strip and, when the scanner holds no tree and is not scanning, scans the target
+    /// (the home folder unless openFolderAtStart chose another). Later calls do nothing.
+    Q_INVOKABLE void windowAppeared();
+
+    /// Application activation: inactive stops the monitor; active starts it again only while
+    /// "Live Telemetry" is shown. Connected to QGuiApplication::applicationStateChanged.
+    void setApplicationActive(bool active);
+
+    /// Makes `folder` the target and scans it at once (a running scan is cancelled first).
+    /// Empty paths are ignored.
+    Q_INVOKABLE void scanFolder(const QString& folder);
+    /// Scans the current target again.
+    Q_INVOKABLE void rescan();
+    /// Makes the home folder the target and scans it.
+    Q_INVOKABLE void scanHomeFolder();
+    /// Runs menu entry `index` of scanTargets: a folder entry scans, a cloud entry goes through
+    /// requestCloudAccessAndScan, the custom entry emits customFolderRequested.
+    Q_INVOKABLE void activateScanTarget(int index);
+    /// Re-reads the cloud folders and rebuilds the menu.
+    Q_INVOKABLE void refreshScanTargets();
+    /// Scans `path` when its contents can be listed and returns true. Otherwise changes nothing,
+    /// emits permissionRequired(path, name) and returns false.
+    Q_INVOKABLE bool requestCloudAccessAndScan(const QString& path, const QString& name);
+    /// A folder chosen in a folder panel (or dropped): when it is a local folder it becomes the
+    /// target and is scanned; true when a scan was requested. An empty URL changes nothing.
+    Q_INVOKABLE bool scanChosenFolder(const QUrl& folder);
+
+    /// Same as scanChosenFolder for a local path (a folder dropped on the visualiser).
+    Q_INVOKABLE bool scanChosenPath(const QString& path);
+    /// The file:// URL of a local path (for folder panels' starting folder).
+    Q_INVOKABLE QUrl fileUrl(const QString& path) const { return QUrl::fromLocalFile(path); }
+
+    /// Texts of the permission dialog and its folder panel for a folder shown as `name`.
+    Q_INVOKABLE QString permissionTitle(const QString& name) const;
+    Q_INVOKABLE QString permissionMessage(const QString& name) const;
+    Q_INVOKABLE QString grantPanelMessage(const QString& name) const;
+
+signals:
+    void selectedSectionChanged();
+    void selectedTargetFolderChanged();
+    void scanTargetsChanged();
+    void stripChanged();
+    /// A scan of `folder` was requested from the scanner.
+    void scanRequested(const QString& folder);
+    /// The folder cannot be listed: the window asks the user to grant access to it.
+    void permissionRequired(const QString& path, const QString& name);
+    /// The user asked to choose a custom folder: the window shows a folder panel.
+    void customFolderRequested();
+
+private:
+    void setSelectedTargetFolder(const QString& folder);
+    void refreshScanTargetsFrom(const std::vector<CloudFolder>& cloudFolders);
+
+    std::unique_ptr<const Locations> m_locations;
+    ThemeManager* m_themeManager = nullptr;
+    DiskScanner* m_diskScanner = nullptr;
+    StorageNavigator* m_navigator = nullptr;
+    SystemMonitor* m_systemMonitor = nullptr;
+
+    NavigationSection m_selectedSection = NavigationSection::smartClean;
+    QString m_selectedTargetFolder;
+    QVariantList m_scanTargets;
+    bool m_appeared = false;
+};
+
+} // namespace sondrel

@@ -1,0 +1,50 @@
+import QtQuick
+import QtQuick.Controls
+
+// A push button painted from the theme: accent fill when `prominent`, card fill otherwise,
+// with an optional symbol icon before the text.
+Button {
+    id: control
+
+    required property var theme
+    property string symbol
+    property bool prominent: false
+
+    implicitHeight: 34
+    leftPadding: 14
+    rightPadding: 14
+    hoverEnabled: true
+
+    contentItem: Row {
+        spacing: 7
+
+        Icon {
+            visible: control.symbol.length > 0
+            anchors.verticalCenter: parent.verticalCenter
+            name: control.symbol
+            size: 14
+            color: control.prominent ? "white" : control.theme.accent
+        }
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            text: control.text
+            color: control.prominent ? "white" : control.theme.textPrimary
+            font.pixelSize: 13
+            font.bold: control.prominent
+        }
+    }
+
+    background: Rectangle {
+        radius: 9
+        color: control.prominent ? control.theme.accent : control.theme.cardBackground
+        border.color: control.prominent ? "transparent" : control.theme.border
+        opacity: control.enabled ? (control.down ? 0.75 : 1.0) : 0.45
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: "white"
+            opacity: control.hovered && !control.down ? 0.06 : 0
+        }
+    }
+}

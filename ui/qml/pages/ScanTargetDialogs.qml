@@ -1,0 +1,100 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import "../components"
+
+// The folder panels and the permission dialog of the scan-target flow. Cancelling any of them
+// changes nothing.
+Item {
+    id: dialogs
+
+    required property var appRoot
+    required property var theme
+    property string permissionPath
+    property string permissionName
+
+    function chooseCustomFolder() {
+        customFolder.open()
+    }
+
+    Connections {
+        target: dialogs.appRoot
+        function onPermissionRequired(path, name) {
+            dialogs.permissionPath = path
+            dialogs.permissionName = name
+            permission.open()
+        }
+    }
+
+    FolderDialog {
+        id: customFolder
+        title: "Choose a Folder to Scan"
+        acceptLabel: "Scopix Storage"
+        onAccepted: dialogs.appRoot.scanChosenFolder(selectedFolder)
+    }
+
+    FolderDialog {
+        id: grantFolder
+        title: dialogs.appRoot.grantPanelMessage(dialogs.permissionName)
+        acceptLabel: "Grant Access"
+        currentFolder: dialogs.appRoot.fileUrl(dialogs.permissionPath)
+        onAccepted: dialogs.appRoot.scanChosenFolder(selectedFolder)
+    }
+
+    Dialog {
+        id: permission
+        objectName: "permissionDialog"
+        parent: Overlay.overlay
+        anchors.centerIn: parent
+        modal: true
+        width: 460
+        title: dialogs.appRoot.permissionTitle(dialogs.permissionName)
+
+        background: Rectangle {
+            radius: 14
+            color: Qt.tint(dialogs.theme.background, dialogs.theme.cardBackground)
+            border.color: dialogs.theme.border
+        }
+        header: Text {
+            text: permission.title
+            color: dialogs.theme.textPrimary
+            font.pixelSize: 17
+            font.bold: true
+            padding: 20
+            bottomPadding: 4
+        }
+
+        Text {
+            width: parent.width
+            text: dialogs.appRoot.permissionMessage(dialogs.permissionName)
+            color: dialogs.theme.textSecondary
+            font.pixelSize: 13
+            wrapMode: Text.WordWrap
+        }
+
+        footer: RowLayout {
+            spacing: 10
+            Item { Layout.fillWidth: true }
+            ThemedButton {
+                objectName: "permissionCancelButton"
+                theme: dialogs.theme
+                text: "Cancel"
+                Layout.bottomMargin: 18
+                onClicked: permission.reject()
+            }
+            ThemedButton {
+                objectName: "grantPermissionButton"
+                theme: dialogs.theme
+                text: "Grant Permission"
+                prominent: true
+                Layout.rightMargin: 18
+                Layout.bottomMargin: 18
+                onClicked: {
+                    permission.accept()
+                    grantFolder.open()
+                }
+            }
+        }
+    }
+}

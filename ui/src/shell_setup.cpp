@@ -1,0 +1,37 @@
+#include "ui/src/shell_setup.h"
+
+#include "app/app_root.h"
+#include "ui/src/app_actions.h"
+#include "ui/src/symbol_icons.h"
+
+#include <QQuickStyle>
+#include <QVariantMap>
+
+namespace sondrel {
+
+void installShellImageProviders(QQmlEngine& engine) {
+    if (engine.imageProvider(QStringLiteral("symbol")) == nullptr) {
+        engine.addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
+    }
+}
+
+QQuickWindow* loadMainWindow(QQmlApplicationEngine& engine, AppRoot* root, AppActions* actions) {
+    installShellImageProviders(engine);
+    // Every control is painted from the theme; the Basic style takes the palette as given.
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    engine.setInitialProperties({
+        {QStringLiteral("appRoot"), QVariant::fromValue(static_cast<QObject*>(root))},
+        {QStringLiteral("appActions"), QVariant::fromValue(static_cast<QObject*>(actions))},
+    });
+    engine.load(QUrl(QStringLiteral("qrc:/Sondrel/qml/Main.qml")));
+    if (engine.rootObjects().isEmpty()) {
+        return nullptr;
+    }
+    auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
+    if (window != nullptr) {
+        actions->setMainWindow(window);
+    }
+    return window;
+}
+
+} // namespace sondrel
