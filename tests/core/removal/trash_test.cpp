@@ -231,3 +231,30 @@ TEST(Trash, SecondFileSystemUsesTopDirectoryTrashes) {
 
 } // namespace
 } // namespace sondrel
+
+namespace sondrel {
+namespace {
+
+// The privileged helper trashes as root for another user: what it creates belongs to that user.
+TEST(Trash, CreatedFoldersAndRecordsBelongToTheTrashUser) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "needs root to create files for another user";
+    }
+    test::TempHome t;
+    TrashContext context = t.context().trash;
+    context.uid = 4242;
+    context.gid = 4243;
+    t.dir.makeFile("home/folder/inside", 100);
+    const TrashResult result = moveToTrash(t.home + "/folder", context);
+    ASSERT_TRUE(result.ok) << result.error;
+    for (const std::string& path : {t.trash, t.trash + "/files", t.trash + "/info", result.infoPath,
+                                    t.trash + "/directorysizes"}) {
+        struct stat info {};
+        ASSERT_EQ(lstat(path.c_str(), &info), 0) << path;
+        EXPECT_EQ(info.st_uid, 4242U) << path;
+        EXPECT_EQ(info.st_gid, 4243U) << path;
+    }
+}
+
+} // namespace
+} // namespace sondrel
