@@ -5,6 +5,8 @@
 # Usage: bench/scan_bench.sh [TREE_DIR] [RUNS]
 #   TREE_DIR  where the generated tree lives (made once; default /var/tmp/sondrel-bench-tree)
 #   RUNS      timed runs per tool after one warm-up run (default 7)
+# With COLD=1 (as root) it also times sondrel, gdu and the floor walker with the page, dentry
+# and inode caches dropped before every run (3 runs each).
 #
 # Prints for each tool the median wall time, the ratio to the 2-thread floor walker and to
 # sondrel, and the peak RSS (GNU time). Also checks that sondrel's total equals the floor
@@ -85,6 +87,21 @@ if [ "$floor_bytes" = "$scan_bytes" ]; then
 else
   echo "TOTALS DIFFER: floor $floor_bytes, sondrel $scan_bytes" >&2
   exit 1
+fi
+
+if [ "${COLD:-0}" = 1 ]; then
+  echo
+  echo "cold cache (caches dropped before each run, 3 runs, medians):"
+  for tool in floor-2t sondrel gdu; do
+    : >"$scratch/cold-$tool"
+    for ((i = 0; i < 3; i++)); do
+      sync
+      echo 3 >/proc/sys/vm/drop_caches
+      /usr/bin/time -f "%e" -o "$scratch/t" ${commands[$tool]} >/dev/null 2>/dev/null || true
+      cat "$scratch/t" >>"$scratch/cold-$tool"
+    done
+    printf '%-10s %9.3f s\n' "$tool" "$(median <"$scratch/cold-$tool")"
+  done
 fi
 
 # Memory of the tree itself: arena bytes per node at the default depth and at full depth.

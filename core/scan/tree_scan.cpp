@@ -50,15 +50,46 @@ struct DirRef {
     std::string name;         // name in the parent; the root's whole path for the root
 };
 
+// File names whose sizes are still to be read, in listing order: NUL-terminated names back to
+// back and, for an expanded folder, the node of each name.
+struct StatList {
+    std::string names;
+    std::vector<std::size_t> offsets;
+    std::vector<FileNode*> nodes;
+
+    std::size_t size() const { return offsets.size(); }
+    const char* name(std::size_t i) const { return names.data() + offsets[i]; }
+    void add(std::string_view name, FileNode* node) {
+        offsets.push_back(names.size());
+        names.append(name);
+        names.push_back('\0');
+        if (node != nullptr) {
+            nodes.push_back(node);
+        }
+    }
+    void clear() {
+        names.clear();
+        offsets.clear();
+        nodes.clear();
+    }
+};
+
 struct Job {
     DirRef* parent = nullptr; // one reference owned by the job; null for the root
     FileNode* node = nullptr; // expand: the folder's node; collapse/bundle: the leaf to add to
     std::string name;
+    // Set for a slice of a wide folder's files: the job stats them in `parent` (no folder to
+    // open), so one folder of 100,000 files keeps every worker busy.
+    std::unique_ptr<StatList> stats;
     int fd = -1; // already opened (the root)
     int depth = 0;
     Mode mode = Mode::expand;
     bool top = true; // the first job of its node (its failure to open drops the node)
 };
+
+// Files of one folder stat'ed by the folder's own job; more are split into slices of kSlice.
+constexpr std::size_t kWideFolder = 2048;
+constexpr std::size_t kSlice = 1024;
 
 struct alignas(64) WorkerState {
     std::unique_ptr<std::byte[]> dents{new std::byte[kDentsBufferBytes]};
@@ -66,6 +97,7 @@ struct alignas(64) WorkerState {
     std::int64_t pendingBytes = 0;
     int pendingReports = 0;
     std::vector<Job> children;
+    StatList toStat;
 };
 
 std::int64_t nowNanos() {
@@ -112,6 +144,14 @@ int descriptorBudget() {
     return static_cast<int>(std::clamp<rlim_t>(soft / 4, 16, 1024));
 }
 
+// lstat of `name` in `dir`, relative to its descriptor, or by path once that was closed.
+bool statIn(const DirRef* dir, const char* name, struct stat& info) {
+    if (dir->fd >= 0) {
+        return fstatat(dir->fd, name, &info, AT_SYMLINK_NOFOLLOW) == 0;
+    }
+    return fstatat(AT_FDCWD, joinPath(dirPath(dir), name).c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
 class Walker {
 public:
     Walker(const ScanOptions& options, const CancelToken& cancel, unsigned threads,
@@ -134,15 +174,24 @@ public:
 
 private:
     void handle(unsigned worker, Job& job);
+    void handleSlice(WorkerState& state, Job& job);
     int openFolder(Job& job);
     void releaseParentDescriptor(const Job& job);
     void expandEntry(unsigned worker, Job& job, DirRef* self, const char* name, unsigned char type,
                      FileNode*& tail);
+    // Stats files [begin, end) of `list`: sets the sizes of an expanded folder's nodes, or
+    // returns the bytes and count of the regular files for a collapsed folder or bundle.
+    std::pair<std::int64_t, std::int64_t> statFiles(WorkerState& state, const DirRef* dir,
+                                                    Mode mode, const StatList& list,
+                                                    std::size_t begin, std::size_t end);
+    void addToLeaf(WorkerState& state, const DirRef* dir, Mode mode, FileNode* leaf,
+                   std::int64_t bytes, std::int64_t files);
     void report(WorkerState& state, std::int64_t items, std::int64_t bytes, const DirRef* dir,
                 std::string_view name);
     void flush(WorkerState& state, const DirRef* dir, std::string_view name);
-    std::int64_t fileSize(int dirFd, const char* name, struct stat& info, bool haveInfo,
-                          bool& isDir, bool& isLink, bool& isRegular);
+    // Logical size of a stat'ed entry: 0 for folders, links and further links of a file
+    // already counted.
+    std::int64_t sizeOf(const struct stat& info);
 
     const ScanOptions& m_options;
     const CancelToken& m_cancel;
@@ -214,24 +263,50 @@ void Walker::flush(WorkerState& state, const DirRef* dir, std::string_view name)
     m_options.onProgress(progress);
 }
 
-std::int64_t Walker::fileSize(int dirFd, const char* name, struct stat& info, bool haveInfo,
-                              bool& isDir, bool& isLink, bool& isRegular) {
-    if (!haveInfo && fstatat(dirFd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
-        isDir = isLink = isRegular = false;
+std::int64_t Walker::sizeOf(const struct stat& info) {
+    if (S_ISDIR(info.st_mode) || S_ISLNK(info.st_mode)) {
         return 0;
     }
-    isDir = S_ISDIR(info.st_mode);
-    isLink = S_ISLNK(info.st_mode);
-    isRegular = S_ISREG(info.st_mode);
-    if (isDir || isLink) {
-        return 0;
-    }
-    if (isRegular && info.st_nlink > 1 &&
+    if (S_ISREG(info.st_mode) && info.st_nlink > 1 &&
         !m_links.firstSighting(static_cast<std::uint64_t>(info.st_dev),
                                static_cast<std::uint64_t>(info.st_ino))) {
         return 0; // another link of this file was counted already
     }
     return std::max<std::int64_t>(0, info.st_size);
+}
+
+std::pair<std::int64_t, std::int64_t> Walker::statFiles(WorkerState& state, const DirRef* dir,
+                                                        Mode mode, const StatList& list,
+                                                        std::size_t begin, std::size_t end) {
+    std::int64_t bytes = 0;
+    std::int64_t files = 0;
+    for (std::size_t i = begin; i < end && !m_cancel.isCancelled(); ++i) {
+        const char* name = list.name(i);
+        struct stat info {};
+        const bool ok = statIn(dir, name, info);
+        if (mode == Mode::expand) {
+            // A failed stat leaves a file of size 0.
+            const std::int64_t size = ok ? sizeOf(info) : 0;
+            list.nodes[i]->size = size;
+            report(state, 1, size, dir, name);
+        } else if (ok && S_ISREG(info.st_mode)) {
+            bytes += sizeOf(info);
+            ++files;
+        }
+    }
+    return {bytes, files};
+}
+
+void Walker::addToLeaf(WorkerState& state, const DirRef* dir, Mode mode, FileNode* leaf,
+                       std::int64_t bytes, std::int64_t files) {
+    if (mode == Mode::collapse) {
+        std::atomic_ref<std::int64_t>(leaf->size).fetch_add(bytes);
+        std::atomic_ref<std::int64_t>(leaf->fileCount).fetch_add(files);
+        report(state, 0, bytes, dir, {});
+    } else if (mode == Mode::bundle) {
+        std::atomic_ref<std::int64_t>(leaf->size).fetch_add(bytes);
+        report(state, 0, 3 * bytes, dir, {}); // a bundle is reported three times
+    }
 }
 
 void Walker::expandEntry(unsigned worker, Job& job, DirRef* self, const char* name,
@@ -284,23 +359,33 @@ void Walker::expandEntry(unsigned worker, Job& job, DirRef* self, const char* na
         state.children.push_back(std::move(child));
         return;
     }
-    bool isDir = false;
-    bool isLink = false;
-    bool isRegular = false;
-    const std::int64_t size = fileSize(self->fd, name, info, haveInfo, isDir, isLink, isRegular);
-    if (isLink) {
-        return;
+    FileNode* file = nodes.create(nameView, false, 0, 1, categoryFrom(nameView, false));
+    append(file);
+    if (haveInfo) {
+        file->size = sizeOf(info);
+        report(state, 1, file->size, self, nameView);
+    } else {
+        state.toStat.add(nameView, file); // sized after the listing, maybe by other workers
     }
-    if (isDir) { // replaced by a folder between listing and stat
-        expandEntry(worker, job, self, name, DT_DIR, tail);
-        return;
+}
+
+void Walker::handleSlice(WorkerState& state, Job& job) {
+    if (!m_cancel.isCancelled()) {
+        const auto [bytes, files] =
+            statFiles(state, job.parent, job.mode, *job.stats, 0, job.stats->size());
+        addToLeaf(state, job.parent, job.mode, job.node, bytes, files);
+        flush(state, job.parent, {});
     }
-    append(nodes.create(nameView, false, size, 1, categoryFrom(nameView, false)));
-    report(state, 1, size, self, nameView);
+    releaseParentDescriptor(job);
+    releaseRef(job.parent);
 }
 
 void Walker::handle(unsigned worker, Job& job) {
     WorkerState& state = m_states[worker];
+    if (job.stats) {
+        handleSlice(state, job);
+        return;
+    }
     if (m_cancel.isCancelled()) {
         releaseParentDescriptor(job);
         releaseRef(job.parent);
@@ -334,6 +419,7 @@ void Walker::handle(unsigned worker, Job& job) {
     std::int64_t sumFiles = 0;
     FileNode* tail = nullptr;
     std::byte* buffer = state.dents.get();
+    state.toStat.clear();
     bool cancelled = false;
     while (!cancelled) {
         const ssize_t read = getdents64(fd, buffer, kDentsBufferBytes);
@@ -358,13 +444,16 @@ void Walker::handle(unsigned worker, Job& job) {
             // Collapsed folder or bundle: only sizes, no nodes.
             unsigned char type = entry->d_type;
             struct stat info {};
-            bool haveInfo = false;
             if (type == DT_UNKNOWN) {
                 if (fstatat(fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
                     continue;
                 }
-                haveInfo = true;
                 type = static_cast<unsigned char>(IFTODT(info.st_mode));
+                if (type == DT_REG) {
+                    sumBytes += sizeOf(info);
+                    ++sumFiles;
+                    continue;
+                }
             }
             if (type == DT_DIR) {
                 Job child;
@@ -375,30 +464,44 @@ void Walker::handle(unsigned worker, Job& job) {
                 child.top = false;
                 state.children.push_back(std::move(child));
             } else if (type == DT_REG) {
-                bool isDir = false;
-                bool isLink = false;
-                bool isRegular = false;
-                const std::int64_t size =
-                    fileSize(fd, name, info, haveInfo, isDir, isLink, isRegular);
-                if (isRegular) {
-                    sumBytes += size;
-                    ++sumFiles;
-                }
+                state.toStat.add(name, nullptr);
             }
         }
     }
-    if (job.mode == Mode::collapse) {
-        std::atomic_ref<std::int64_t>(job.node->size).fetch_add(sumBytes);
-        std::atomic_ref<std::int64_t>(job.node->fileCount).fetch_add(sumFiles);
-        report(state, 0, sumBytes, self, {});
-    } else if (job.mode == Mode::bundle) {
-        std::atomic_ref<std::int64_t>(job.node->size).fetch_add(sumBytes);
-        report(state, 0, 3 * sumBytes, self, {});
+
+    // Sizes of the files: here for an ordinary folder; a wide folder is split into slices
+    // that other workers take.
+    const StatList& toStat = state.toStat;
+    if (toStat.size() <= kWideFolder) {
+        const auto [bytes, files] = statFiles(state, self, job.mode, toStat, 0, toStat.size());
+        sumBytes += bytes;
+        sumFiles += files;
+    } else if (!m_cancel.isCancelled()) {
+        for (std::size_t begin = 0; begin < toStat.size(); begin += kSlice) {
+            const std::size_t end = std::min(toStat.size(), begin + kSlice);
+            auto slice = std::make_unique<StatList>();
+            slice->names.assign(toStat.names, toStat.offsets[begin],
+                                end < toStat.size() ? toStat.offsets[end] - toStat.offsets[begin]
+                                                    : std::string::npos);
+            for (std::size_t i = begin; i < end; ++i) {
+                slice->offsets.push_back(toStat.offsets[i] - toStat.offsets[begin]);
+                if (job.mode == Mode::expand) {
+                    slice->nodes.push_back(toStat.nodes[i]);
+                }
+            }
+            Job sliceJob;
+            sliceJob.stats = std::move(slice);
+            sliceJob.node = job.node;
+            sliceJob.mode = job.mode;
+            state.children.push_back(std::move(sliceJob));
+        }
     }
+    state.toStat.clear();
+    addToLeaf(state, self, job.mode, job.node, sumBytes, sumFiles);
     flush(state, self, {});
 
-    // Hand the subfolders to the pool. The descriptor stays open for them unless too many are
-    // open already; then they open by path.
+    // Hand the subfolders and slices to the pool. The descriptor stays open for them unless
+    // too many are open already; then they open and stat by path.
     std::vector<Job> children;
     children.swap(state.children);
     if (!children.empty() && !m_cancel.isCancelled()) {

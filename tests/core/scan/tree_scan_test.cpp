@@ -257,6 +257,28 @@ TEST(TreeScan, ChildrenAreSortedLargestFirstKeepingListingOrderForTies) {
     EXPECT_EQ(describe(scan(dir.path(), 4, 1).rootItem()), describe(first.rootItem()));
 }
 
+TEST(TreeScan, WideFoldersAreSizedInSlicesWithTheSameResult) {
+    TempDir dir;
+    std::int64_t total = 0;
+    for (int i = 0; i < 5000; ++i) {
+        const int size = i % 7;
+        dir.makeFile("wide/f" + std::to_string(i), size);
+        dir.makeFile("a/b/c/d/e/wide/g" + std::to_string(i), size); // inside a collapsed folder
+        total += size;
+    }
+    const ScanResult many = scan(dir.path(), 4, 4);
+    const ScanResult one = scan(dir.path(), 4, 1);
+    EXPECT_EQ(describe(many.rootItem()), describe(one.rootItem()));
+    const FileItem wide = child(many.rootItem(), "wide");
+    EXPECT_EQ(wide.size(), total);
+    EXPECT_EQ(wide.fileCount(), 5000);
+    EXPECT_EQ(wide.childCount(), 5000U);
+    EXPECT_EQ(many.rootItem().size(), 2 * total);
+    EXPECT_EQ(many.rootItem().fileCount(), 10000);
+    EXPECT_EQ(many.items, 5001); // 5000 files and one collapsed folder
+    expectConsistent(many.rootItem());
+}
+
 TEST(TreeScan, TargetThatCannotBeReadIsRefused) {
     TempDir dir;
     const ScanResult missing = scan(dir / "missing");
