@@ -54,8 +54,10 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
     // never shown against the new root.
     connect(m_diskScanner, &DiskScanner::rootItemChanged, this,
             [this] { m_navigator->setRoot(m_diskScanner->rootItem()); });
-    m_navigator->setTrasher([locations = *m_locations](const std::string& path) {
-        return moveToUserTrash(path, locations);
+    // The scanned folder itself is never moved: only what lies inside it.
+    m_navigator->setTrasher([this, locations = *m_locations](const std::string& path) {
+        const FileItem& scanRoot = m_navigator->root();
+        return !(scanRoot && scanRoot.url() == path) && moveToUserTrash(path, locations);
     });
     connect(m_systemMonitor, &SystemMonitor::overviewChanged, this, &AppRoot::stripChanged);
     if (auto* app = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
