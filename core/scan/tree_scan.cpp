@@ -2,7 +2,6 @@
 
 #include "core/model/file_category.h"
 #include "core/scan/foreign_mounts.h"
-#include "core/scan/hard_link_set.h"
 #include "core/scan/work_stealing_pool.h"
 #include "core/util/path_text.h"
 
@@ -91,6 +90,17 @@ struct Job {
 constexpr std::size_t kWideFolder = 2048;
 constexpr std::size_t kSlice = 1024;
 
+// One sighting of a multiply-linked file: its identity, the node that counted its bytes (the
+// file's own node, or the collapsed folder or bundle it lies in) and how often those bytes went
+// into the progress counters (three times inside a bundle).
+struct LinkSighting {
+    std::uint64_t device;
+    std::uint64_t inode;
+    FileNode* holder;
+    std::int64_t size;
+    int reports;
+};
+
 struct alignas(64) WorkerState {
     std::unique_ptr<std::byte[]> dents{new std::byte[kDentsBufferBytes]};
     std::int64_t pendingItems = 0;
@@ -98,6 +108,7 @@ struct alignas(64) WorkerState {
     int pendingReports = 0;
     std::vector<Job> children;
     StatList toStat;
+    std::vector<LinkSighting> links;
 };
 
 std::int64_t nowNanos() {
@@ -169,6 +180,10 @@ public:
     }
 
     std::vector<NodeArena>& arenas() { return m_arenas; }
+    // After the walk: keeps the bytes of each multiply-linked file at one sighting, the one
+    // whose holder has the smallest path (so every scan picks the same one), and takes them
+    // off the others. Returns the bytes to take off the progress counter.
+    std::int64_t countLinksOnce();
     std::int64_t items() const { return m_items.load(); }
     std::int64_t bytes() const { return m_bytes.load(); }
 
@@ -182,23 +197,22 @@ private:
     // Stats files [begin, end) of `list`: sets the sizes of an expanded folder's nodes, or
     // returns the bytes and count of the regular files for a collapsed folder or bundle.
     std::pair<std::int64_t, std::int64_t> statFiles(WorkerState& state, const DirRef* dir,
-                                                    Mode mode, const StatList& list,
+                                                    Mode mode, FileNode* leaf, const StatList& list,
                                                     std::size_t begin, std::size_t end);
     void addToLeaf(WorkerState& state, const DirRef* dir, Mode mode, FileNode* leaf,
                    std::int64_t bytes, std::int64_t files);
     void report(WorkerState& state, std::int64_t items, std::int64_t bytes, const DirRef* dir,
                 std::string_view name);
     void flush(WorkerState& state, const DirRef* dir, std::string_view name);
-    // Logical size of a stat'ed entry: 0 for folders, links and further links of a file
-    // already counted.
-    std::int64_t sizeOf(const struct stat& info);
+    // Logical size of a stat'ed entry (0 for folders and links). A multiply-linked file is
+    // noted with `holder`, the node its bytes go to, for countLinksOnce().
+    std::int64_t sizeOf(WorkerState& state, const struct stat& info, FileNode* holder, Mode mode);
 
     const ScanOptions& m_options;
     const CancelToken& m_cancel;
     WorkStealingPool<Job> m_pool;
     std::vector<NodeArena> m_arenas;
     std::vector<WorkerState> m_states;
-    HardLinkSet m_links;
     ForeignMounts m_mounts;
     bool m_checkMounts;
     int m_maxDepth;
@@ -263,21 +277,80 @@ void Walker::flush(WorkerState& state, const DirRef* dir, std::string_view name)
     m_options.onProgress(progress);
 }
 
-std::int64_t Walker::sizeOf(const struct stat& info) {
+std::int64_t Walker::sizeOf(WorkerState& state, const struct stat& info, FileNode* holder,
+                            Mode mode) {
     if (S_ISDIR(info.st_mode) || S_ISLNK(info.st_mode)) {
         return 0;
     }
-    if (S_ISREG(info.st_mode) && info.st_nlink > 1 &&
-        !m_links.firstSighting(static_cast<std::uint64_t>(info.st_dev),
-                               static_cast<std::uint64_t>(info.st_ino))) {
-        return 0; // another link of this file was counted already
+    const std::int64_t size = std::max<std::int64_t>(0, info.st_size);
+    if (S_ISREG(info.st_mode) && info.st_nlink > 1) {
+        state.links.push_back({static_cast<std::uint64_t>(info.st_dev),
+                               static_cast<std::uint64_t>(info.st_ino), holder, size,
+                               mode == Mode::bundle ? 3 : 1});
     }
-    return std::max<std::int64_t>(0, info.st_size);
+    return size;
+}
+
+namespace {
+
+// Path of `node` below the tree's root, for ordering only.
+std::string relativePath(const FileNode* node) {
+    std::vector<std::string_view> names;
+    for (; node != nullptr; node = node->parent) {
+        names.push_back(node->name());
+    }
+    std::string path;
+    for (auto it = names.rbegin(); it != names.rend(); ++it) {
+        path += *it;
+        path += '/';
+    }
+    return path;
+}
+
+} // namespace
+
+std::int64_t Walker::countLinksOnce() {
+    std::vector<LinkSighting> all;
+    for (WorkerState& state : m_states) {
+        all.insert(all.end(), state.links.begin(), state.links.end());
+        state.links.clear();
+    }
+    std::sort(all.begin(), all.end(), [](const LinkSighting& a, const LinkSighting& b) {
+        return a.device != b.device ? a.device < b.device : a.inode < b.inode;
+    });
+    std::int64_t reported = 0;
+    for (std::size_t begin = 0; begin < all.size();) {
+        std::size_t end = begin + 1;
+        while (end < all.size() && all[end].device == all[begin].device &&
+               all[end].inode == all[begin].inode) {
+            ++end;
+        }
+        if (end - begin > 1) {
+            std::size_t keep = begin;
+            std::string keepPath = relativePath(all[begin].holder);
+            for (std::size_t i = begin + 1; i < end; ++i) {
+                std::string path = relativePath(all[i].holder);
+                if (path < keepPath) {
+                    keep = i;
+                    keepPath = std::move(path);
+                }
+            }
+            for (std::size_t i = begin; i < end; ++i) {
+                if (i != keep) {
+                    all[i].holder->size -= all[i].size;
+                    reported += all[i].size * all[i].reports;
+                }
+            }
+        }
+        begin = end;
+    }
+    return reported;
 }
 
 std::pair<std::int64_t, std::int64_t> Walker::statFiles(WorkerState& state, const DirRef* dir,
-                                                        Mode mode, const StatList& list,
-                                                        std::size_t begin, std::size_t end) {
+                                                        Mode mode, FileNode* leaf,
+                                                        const StatList& list, std::size_t begin,
+                                                        std::size_t end) {
     std::int64_t bytes = 0;
     std::int64_t files = 0;
     for (std::size_t i = begin; i < end && !m_cancel.isCancelled(); ++i) {
@@ -286,11 +359,11 @@ std::pair<std::int64_t, std::int64_t> Walker::statFiles(WorkerState& state, cons
         const bool ok = statIn(dir, name, info);
         if (mode == Mode::expand) {
             // A failed stat leaves a file of size 0.
-            const std::int64_t size = ok ? sizeOf(info) : 0;
+            const std::int64_t size = ok ? sizeOf(state, info, list.nodes[i], mode) : 0;
             list.nodes[i]->size = size;
             report(state, 1, size, dir, name);
         } else if (ok && S_ISREG(info.st_mode)) {
-            bytes += sizeOf(info);
+            bytes += sizeOf(state, info, leaf, mode);
             ++files;
         }
     }
@@ -362,7 +435,7 @@ void Walker::expandEntry(unsigned worker, Job& job, DirRef* self, const char* na
     FileNode* file = nodes.create(nameView, false, 0, 1, categoryFrom(nameView, false));
     append(file);
     if (haveInfo) {
-        file->size = sizeOf(info);
+        file->size = sizeOf(state, info, file, Mode::expand);
         report(state, 1, file->size, self, nameView);
     } else {
         state.toStat.add(nameView, file); // sized after the listing, maybe by other workers
@@ -372,7 +445,7 @@ void Walker::expandEntry(unsigned worker, Job& job, DirRef* self, const char* na
 void Walker::handleSlice(WorkerState& state, Job& job) {
     if (!m_cancel.isCancelled()) {
         const auto [bytes, files] =
-            statFiles(state, job.parent, job.mode, *job.stats, 0, job.stats->size());
+            statFiles(state, job.parent, job.mode, job.node, *job.stats, 0, job.stats->size());
         addToLeaf(state, job.parent, job.mode, job.node, bytes, files);
         flush(state, job.parent, {});
     }
@@ -450,7 +523,7 @@ void Walker::handle(unsigned worker, Job& job) {
                 }
                 type = static_cast<unsigned char>(IFTODT(info.st_mode));
                 if (type == DT_REG) {
-                    sumBytes += sizeOf(info);
+                    sumBytes += sizeOf(state, info, job.node, job.mode);
                     ++sumFiles;
                     continue;
                 }
@@ -473,7 +546,8 @@ void Walker::handle(unsigned worker, Job& job) {
     // that other workers take.
     const StatList& toStat = state.toStat;
     if (toStat.size() <= kWideFolder) {
-        const auto [bytes, files] = statFiles(state, self, job.mode, toStat, 0, toStat.size());
+        const auto [bytes, files] =
+            statFiles(state, self, job.mode, job.node, toStat, 0, toStat.size());
         sumBytes += bytes;
         sumFiles += files;
     } else if (!m_cancel.isCancelled()) {
@@ -625,6 +699,7 @@ ScanResult scanTree(const std::string& rootPath, const ScanOptions& options,
     FileNode* rootNode = job.node;
     walker.run(std::move(job));
 
+    const std::int64_t duplicateBytes = walker.countLinksOnce();
     finishTree(rootNode);
     for (NodeArena& arena : walker.arenas()) {
         tree->adopt(std::move(arena));
@@ -632,7 +707,7 @@ ScanResult scanTree(const std::string& rootPath, const ScanOptions& options,
     tree->setRoot(rootNode);
     result.tree = std::move(tree);
     result.items = walker.items();
-    result.bytes = walker.bytes();
+    result.bytes = walker.bytes() - duplicateBytes;
     result.cancelled = cancel.isCancelled();
     result.elapsedSeconds = std::chrono::duration<double>(Clock::now() - start).count();
     return result;

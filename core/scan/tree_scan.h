@@ -20,8 +20,8 @@
 //   O_DIRECTORY|O_NOFOLLOW|O_CLOEXEC, then getdents64; fstatat only where a size is needed or
 //   the entry type is unknown. Open descriptors are bounded; past the bound a folder is opened
 //   by its path instead;
-// - a multiply-linked file adds its bytes once per scan, keyed by (device, inode); the other
-//   links show 0 bytes;
+// - a multiply-linked file adds its bytes once per scan, keyed by (device, inode): the link
+//   with the smallest path keeps them (the same one in every scan), the other links show 0;
 // - pseudo, network and FUSE file systems below the root are not entered (empty folders);
 // - names are bytes end to end; nodes store no paths (FileTree::pathOf derives them).
 

@@ -1,8 +1,6 @@
-// The pieces under the walk: the work-stealing pool, the hard-link set, foreign file systems,
-// and the status texts.
+// The pieces under the walk: the work-stealing pool, foreign file systems and the status texts.
 
 #include "core/scan/foreign_mounts.h"
-#include "core/scan/hard_link_set.h"
 #include "core/scan/scan_texts.h"
 #include "core/scan/work_stealing_pool.h"
 
@@ -36,26 +34,6 @@ TEST(WorkStealingPool, RunsEveryPushedJobExactlyOnce) {
             ASSERT_EQ(seen[i].load(), 1) << i;
         }
     }
-}
-
-TEST(HardLinkSet, FirstSightingOnlyOncePerDeviceAndInode) {
-    HardLinkSet set;
-    EXPECT_TRUE(set.firstSighting(1, 10));
-    EXPECT_FALSE(set.firstSighting(1, 10));
-    EXPECT_TRUE(set.firstSighting(2, 10));
-    std::atomic<int> firsts{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&] {
-            for (std::uint64_t inode = 100; inode < 1100; ++inode) {
-                firsts += set.firstSighting(7, inode) ? 1 : 0;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(firsts.load(), 1000);
 }
 
 TEST(ForeignMounts, PseudoNetworkAndFuseTypesAreNotEntered) {

@@ -181,24 +181,34 @@ TEST(TreeScan, ApplicationBundlesAreOneLeaf) {
     EXPECT_EQ(child(plugins, "Inner.app").size(), 10);
 }
 
-TEST(TreeScan, HardLinksCountOnce) {
+TEST(TreeScan, HardLinksCountOnceAtTheSameLinkEveryTime) {
     TempDir dir;
-    const std::string original = dir.makeFile("a/original", 1000);
-    dir.makeDir("b");
-    dir.makeDir("c/c2/c3/c4/c5");
-    ASSERT_EQ(link(original.c_str(), (dir / "b/second").c_str()), 0);
-    ASSERT_EQ(link(original.c_str(), (dir / "c/c2/c3/c4/c5/third").c_str()), 0);
+    const std::string original = dir.makeFile("b/original", 1000);
+    dir.makeDir("a/a2/a3/a4/a5");
+    dir.makeDir("c");
+    dir.makeFile("tool.app/bin", 1);
+    ASSERT_EQ(link(original.c_str(), (dir / "c/second").c_str()), 0);
+    ASSERT_EQ(link(original.c_str(), (dir / "a/a2/a3/a4/a5/third").c_str()), 0);
+    ASSERT_EQ(link(original.c_str(), (dir / "tool.app/fourth").c_str()), 0);
 
-    for (unsigned threads : {1U, 4U}) {
+    std::string first;
+    for (unsigned threads : {1U, 2U, 4U, 4U, 4U}) {
         const ScanResult result = scan(dir.path(), 4, threads);
-        EXPECT_EQ(result.rootItem().size(), 1000);
-        EXPECT_EQ(result.rootItem().fileCount(), 3); // every link is a file
-        const std::int64_t a = child(child(result.rootItem(), "a"), "original").size();
-        const std::int64_t b = child(child(result.rootItem(), "b"), "second").size();
-        // Whichever link is met first carries the bytes (possibly the collapsed third one).
-        EXPECT_TRUE(a == 0 || b == 0);
-        EXPECT_TRUE(a + b == 1000 || a + b == 0);
-        expectConsistent(result.rootItem());
+        const FileItem root = result.rootItem();
+        EXPECT_EQ(root.size(), 1001);
+        EXPECT_EQ(root.fileCount(), 4); // every link is a file; the bundle counts one
+        // The link with the smallest path keeps the bytes: here the collapsed folder a/.../a5.
+        const FileItem a5 = child(child(child(child(child(root, "a"), "a2"), "a3"), "a4"), "a5");
+        EXPECT_EQ(a5.size(), 1000);
+        EXPECT_EQ(child(child(root, "b"), "original").size(), 0);
+        EXPECT_EQ(child(child(root, "c"), "second").size(), 0);
+        EXPECT_EQ(child(root, "tool.app").size(), 1);
+        EXPECT_EQ(result.bytes, 1000 + 3 * 1 + 0); // progress bytes without the other links
+        expectConsistent(root);
+        if (first.empty()) {
+            first = describe(root);
+        }
+        EXPECT_EQ(describe(root), first);
     }
 }
 
