@@ -14,9 +14,9 @@
 #include "core/removal/trash.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
 #include <iostream>
 #include <pwd.h>
@@ -41,6 +41,15 @@ struct Caller {
     std::string dataHome;
 };
 
+// realpath() as a string, or nothing when the path cannot be resolved.
+std::optional<std::string> resolved(const std::string& path) {
+    char buffer[PATH_MAX];
+    if (realpath(path.c_str(), buffer) == nullptr) {
+        return std::nullopt;
+    }
+    return std::string(buffer);
+}
+
 int refuseStart(const std::string& message) {
     std::cerr << "sondrel-helper: " << message << '\n';
     return kBadStart;
@@ -61,58 +70,15 @@ bool parseUid(const char* text, uid_t& uid) {
     return value <= 0xFFFFFFFEULL;
 }
 
-// Gives the trashed item back to its user, without following links or leaving its file system.
-void giveTreeTo(int dirFd, dev_t device, const Caller& caller) {
-    const int copy = dup(dirFd);
-    DIR* dir = copy >= 0 ? fdopendir(copy) : nullptr;
-    if (dir == nullptr) {
-        if (copy >= 0) {
-            close(copy);
-        }
-        return;
-    }
-    while (const dirent* entry = readdir(dir)) {
-        const std::string_view name = entry->d_name;
-        if (name == "." || name == "..") {
-            continue;
-        }
-        fchownat(dirFd, entry->d_name, caller.uid, caller.gid, AT_SYMLINK_NOFOLLOW);
-        const int child =
-            openat(dirFd, entry->d_name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-        if (child >= 0) {
-            struct stat info {};
-            if (fstat(child, &info) == 0 && info.st_dev == device) {
-                giveTreeTo(child, device, caller);
-            }
-            close(child);
-        }
-    }
-    closedir(dir);
-}
-
-void giveItemTo(const std::string& path, const Caller& caller) {
-    if (geteuid() == caller.uid) {
-        return;
-    }
-    lchown(path.c_str(), caller.uid, caller.gid);
-    const int fd = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd >= 0) {
-        struct stat info {};
-        if (fstat(fd, &info) == 0) {
-            giveTreeTo(fd, info.st_dev, caller);
-        }
-        close(fd);
-    }
-}
-
-// The roots the client asked for, narrowed to those inside the caller's home.
+// The roots the client asked for, resolved and narrowed to those inside the caller's home.
 std::vector<std::string> narrowedRoots(const std::vector<std::string>& asked,
                                        const std::string& home) {
     std::vector<std::string> roots;
     for (const std::string& root : asked) {
         const std::optional<std::string> normal = normalizeAbsolutePath(root);
-        if (normal && isWithinFolder(*normal, home)) {
-            roots.push_back(*normal);
+        const std::string resolvedRoot = normal ? resolved(*normal).value_or(*normal) : "";
+        if (normal && isWithinFolder(*normal, home) && isWithinFolder(resolvedRoot, home)) {
+            roots.push_back(resolvedRoot);
         } else {
             std::cerr << "sondrel-helper: ignoring a root outside the home\n";
         }
@@ -136,25 +102,39 @@ std::string handle(HelperVerb verb, const std::string& path, const Caller& calle
     if (!pathExists(path)) {
         return {};
     }
+    // From here on only the resolved path is used, checked once more, and every folder on it is
+    // opened without following links: swapping one for a link now makes the step fail.
+    const std::string normal = *normalizeAbsolutePath(path);
+    const std::size_t slash = normal.rfind('/');
+    const std::optional<std::string> parent =
+        resolved(slash == 0 ? std::string("/") : normal.substr(0, slash));
+    if (!parent) {
+        return "cannot find the item's folder";
+    }
+    const std::string item = (*parent == "/" ? "" : *parent) + normal.substr(slash);
+    const PathVerdict again = checkRemovablePath(item, caller.home, roots);
+    if (again != PathVerdict::allowed) {
+        return "refused: " + std::string(describe(again));
+    }
     if (verb == HelperVerb::remove) {
-        const RemovalReport report = removePermanently(path, caller.dataHome + "/Trash");
+        const RemovalReport report = removePermanently(item, caller.dataHome + "/Trash", true);
         if (report.removed) {
             return {};
         }
         return report.failures.empty() ? "not removed" : report.failures.front().reason;
     }
-    clearImmutableFlags(path);
+    clearImmutableFlags(item);
     TrashContext context;
     context.home = caller.home;
     context.dataHome = caller.dataHome;
     context.uid = caller.uid;
     context.gid = caller.gid;
-    const TrashResult result = moveToTrash(path, context);
+    context.strictPaths = true;
+    const TrashResult result = moveToTrash(item, context);
     if (!result.ok) {
         return result.error;
     }
-    giveItemTo(result.trashedPath, caller);
-    return pathExists(path) ? "still present after the move" : "";
+    return pathExists(item) ? "still present after the move" : "";
 }
 
 int run(int argc, char** argv) {
@@ -201,14 +181,20 @@ int run(int argc, char** argv) {
         caller.gid = getgid();
         caller.home = testHome;
     }
+    // The home and the data folder are used resolved, so that the no-follow walks below work.
     const std::optional<std::string> home = normalizeAbsolutePath(caller.home);
-    if (!home || *home == "/") {
-        return refuseStart("the home folder is not a clean absolute path");
+    const std::optional<std::string> realHome = home ? resolved(*home) : std::nullopt;
+    if (!realHome || *realHome == "/") {
+        return refuseStart("the home folder is not a clean absolute path of a folder");
     }
-    caller.home = *home;
-    caller.dataHome = testDataHome.empty() ? caller.home + "/.local/share" : testDataHome;
-    if (!normalizeAbsolutePath(caller.dataHome) ||
-        !isWithinFolder(*normalizeAbsolutePath(caller.dataHome), caller.home)) {
+    caller.home = *realHome;
+    const std::optional<std::string> dataHome =
+        normalizeAbsolutePath(testDataHome.empty() ? *home + "/.local/share" : testDataHome);
+    if (!dataHome) {
+        return refuseStart("the data folder is not a clean absolute path");
+    }
+    caller.dataHome = resolved(*dataHome).value_or(*dataHome);
+    if (!isWithinFolder(caller.dataHome, caller.home)) {
         return refuseStart("the data folder must lie inside the home");
     }
 

@@ -1,5 +1,6 @@
 #include "core/removal/permanent_removal.h"
 
+#include "core/removal/folder_fd.h"
 #include "core/removal/path_safety.h"
 #include "core/removal/trash.h"
 
@@ -15,24 +16,6 @@
 namespace sondrel {
 
 namespace {
-
-// Closes a descriptor when it goes out of scope.
-class Fd {
-public:
-    explicit Fd(int fd) : m_fd(fd) {}
-    Fd(const Fd&) = delete;
-    Fd& operator=(const Fd&) = delete;
-    ~Fd() {
-        if (m_fd >= 0) {
-            close(m_fd);
-        }
-    }
-    int get() const { return m_fd; }
-    bool valid() const { return m_fd >= 0; }
-
-private:
-    int m_fd;
-};
 
 std::function<void(const std::string&)>& raceHook() {
     static std::function<void(const std::string&)> hook;
@@ -97,7 +80,7 @@ void removeEntry(int parentFd, const std::string& name, const std::string& path,
         if (raceHook()) {
             raceHook()(path);
         }
-        const Fd child(openat(parentFd, name.c_str(), kDirFlags));
+        const FolderFd child(openat(parentFd, name.c_str(), kDirFlags));
         if (!child.valid() && errno != ELOOP && errno != ENOTDIR) {
             if (errno != ENOENT) {
                 addFailure(report, path, errno);
@@ -170,7 +153,8 @@ std::string trashDirOfFilesFolder(const std::string& parent, const std::string& 
 
 } // namespace
 
-RemovalReport removePermanently(const std::string& path, const std::string& homeTrash) {
+RemovalReport removePermanently(const std::string& path, const std::string& homeTrash,
+                                bool strict) {
     RemovalReport report;
     const std::optional<std::string> normal = normalizeAbsolutePath(path);
     if (!normal || *normal == "/") {
@@ -182,7 +166,7 @@ RemovalReport removePermanently(const std::string& path, const std::string& home
     const std::string parent = slash == 0 ? std::string("/") : normal->substr(0, slash);
     const std::string leaf = normal->substr(slash + 1);
 
-    const Fd parentFd(open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const FolderFd parentFd = openFolder(parent, strict);
     if (!parentFd.valid()) {
         if (errno != ENOENT) {
             addFailure(report, *normal, errno);
@@ -210,7 +194,7 @@ RemovalReport removePermanently(const std::string& path, const std::string& home
     if (report.removed) {
         if (const std::string trashDir = trashDirOfFilesFolder(parent, homeTrash);
             !trashDir.empty()) {
-            if (!forgetTrashEntry(trashDir, leaf)) {
+            if (!forgetTrashEntry(trashDir, leaf, strict)) {
                 report.failures.push_back({trashDir + "/info/" + leaf + ".trashinfo",
                                            "its Trash record could not be removed"});
             }
@@ -224,7 +208,7 @@ void setRemovalRaceHookForTesting(std::function<void(const std::string& path)> h
 }
 
 bool clearImmutableFlags(const std::string& path) {
-    const Fd fd(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    const FolderFd fd(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!fd.valid()) {
         return false;
     }

@@ -30,8 +30,11 @@ struct RemovalReport {
 /// `homeTrash`, or a $topdir/.Trash-$uid / .Trash/$uid), its .trashinfo and directorysizes line
 /// go too. Does not check the path against the safety rules: callers do (checkRemovablePath).
 /// Blocking; safe on any thread. Very deep trees are limited by the open-file limit (each level
-/// holds one descriptor); deeper levels are reported as failures.
-RemovalReport removePermanently(const std::string& path, const std::string& homeTrash = {});
+/// holds one descriptor); deeper levels are reported as failures. With `strict` (the privileged
+/// helper, on a fully resolved path) the item's folder is reached from "/" without following any
+/// link, so a folder swapped for a link after the path was checked makes the removal fail.
+RemovalReport removePermanently(const std::string& path, const std::string& homeTrash = {},
+                                bool strict = false);
 
 /// Test seam: `hook` is called with a folder's path after the walk looked at it and before it
 /// opens it, so a test can swap the folder for a link at exactly that moment. Empty by default;

@@ -1,16 +1,17 @@
 #include "core/removal/trash.h"
 
+#include "core/removal/folder_fd.h"
 #include "core/removal/path_safety.h"
 #include "core/removal/trash_info.h"
 #include "core/util/path_text.h"
 
 #include <cerrno>
 #include <climits>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,76 +23,76 @@ namespace {
 // broken in some way that more attempts will not mend.
 constexpr unsigned kMaxNameAttempts = 10000;
 
+constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
 std::string errorText(const std::string& what, int error) {
     return what + ": " + std::strerror(error);
+}
+
+bool runningForAnotherUser(const TrashContext& context) {
+    return geteuid() != context.uid;
 }
 
 // Gives what this process created to the trash's user when running for another user (the
 // privileged helper runs as root for the calling user).
 void giveToUser(int fd, const TrashContext& context) {
-    if (geteuid() != context.uid) {
+    if (runningForAnotherUser(context)) {
         [[maybe_unused]] const int ignored = fchown(fd, context.uid, context.gid);
     }
 }
 
-// A real folder (not a link) at `path`.
-bool isRealFolder(const std::string& path, struct stat* out = nullptr) {
-    struct stat info {};
-    if (lstat(path.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+// Gives the whole moved item back to the user, without following links or leaving its file
+// system: after an administrator move the user must be able to empty the Trash.
+void giveTreeToUser(int dirFd, dev_t device, const TrashContext& context) {
+    const int copy = dup(dirFd);
+    DIR* dir = copy >= 0 ? fdopendir(copy) : nullptr;
+    if (dir == nullptr) {
+        if (copy >= 0) {
+            close(copy);
+        }
+        return;
+    }
+    while (const dirent* entry = readdir(dir)) {
+        const std::string_view name = entry->d_name;
+        if (name == "." || name == "..") {
+            continue;
+        }
+        fchownat(dirFd, entry->d_name, context.uid, context.gid, AT_SYMLINK_NOFOLLOW);
+        const FolderFd child(openat(dirFd, entry->d_name, kFolderFlags));
+        struct stat info {};
+        if (child.valid() && fstat(child.get(), &info) == 0 && info.st_dev == device) {
+            giveTreeToUser(child.get(), device, context);
+        }
+    }
+    closedir(dir);
+}
+
+// The trash folder with its files/ and info/ open.
+struct OpenTrash {
+    FolderFd dir;
+    FolderFd files;
+    FolderFd info;
+};
+
+bool openSubfolders(OpenTrash& trash, const TrashContext& context) {
+    if (!trash.dir.valid()) {
         return false;
     }
-    if (out != nullptr) {
-        *out = info;
-    }
-    return true;
+    trash.files = openOrMakeFolderAt(trash.dir.get(), "files", 0700, context.uid, context.gid);
+    trash.info = openOrMakeFolderAt(trash.dir.get(), "info", 0700, context.uid, context.gid);
+    return trash.files.valid() && trash.info.valid();
 }
 
-// Makes `path` a folder with `mode` if it is missing; true when a real folder is there after.
-bool ensureFolder(const std::string& path, mode_t mode, const TrashContext& context) {
-    if (mkdir(path.c_str(), mode) == 0) {
-        const int fd = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-        if (fd >= 0) {
-            giveToUser(fd, context);
-            close(fd);
-        }
+// The home trash, created when missing.
+bool openHomeTrash(const std::string& trashDir, const TrashContext& context, OpenTrash& trash) {
+    const std::size_t slash = trashDir.rfind('/');
+    const FolderFd dataHome = openOrMakeFolderPath(trashDir.substr(0, slash), context.strictPaths,
+                                                   context.uid, context.gid);
+    if (!dataHome.valid()) {
+        return false;
     }
-    return isRealFolder(path);
-}
-
-// Creates the folders of `path` that are missing (like mkdir -p, mode 0700).
-bool ensureFolderPath(const std::string& path, const TrashContext& context) {
-    for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
-         slash = path.find('/', slash + 1)) {
-        struct stat info {};
-        const std::string part = path.substr(0, slash);
-        if (stat(part.c_str(), &info) != 0) {
-            ensureFolder(part, 0700, context);
-        }
-    }
-    struct stat info {};
-    if (stat(path.c_str(), &info) != 0) {
-        ensureFolder(path, 0700, context);
-    }
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-// files/ and info/ inside `trashDir`, created when missing; both must be real folders.
-bool ensureTrashSubfolders(const std::string& trashDir, const TrashContext& context) {
-    return ensureFolder(trashDir + "/files", 0700, context) &&
-           ensureFolder(trashDir + "/info", 0700, context);
-}
-
-// The home trash, created when missing. Empty when it cannot be used.
-std::string ensureHomeTrash(const TrashContext& context) {
-    const std::optional<std::string> dataHome = normalizeAbsolutePath(context.dataHome);
-    if (!dataHome || !ensureFolderPath(*dataHome, context)) {
-        return {};
-    }
-    const std::string trashDir = (*dataHome == "/" ? "" : *dataHome) + "/Trash";
-    if (!ensureFolder(trashDir, 0700, context) || !ensureTrashSubfolders(trashDir, context)) {
-        return {};
-    }
-    return trashDir;
+    trash.dir = openOrMakeFolderAt(dataHome.get(), "Trash", 0700, context.uid, context.gid);
+    return openSubfolders(trash, context);
 }
 
 // Bytes allocated below the open folder `dirFd`, walked without following links.
@@ -116,11 +117,9 @@ unsigned long long folderBytes(int dirFd, dev_t device) {
         }
         total += static_cast<unsigned long long>(info.st_blocks) * 512ULL;
         if (S_ISDIR(info.st_mode) && info.st_dev == device) {
-            const int child =
-                openat(dirFd, entry->d_name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-            if (child >= 0) {
-                total += folderBytes(child, device);
-                close(child);
+            const FolderFd child(openat(dirFd, entry->d_name, kFolderFlags));
+            if (child.valid()) {
+                total += folderBytes(child.get(), device);
             }
         }
     }
@@ -128,10 +127,16 @@ unsigned long long folderBytes(int dirFd, dev_t device) {
     return total;
 }
 
-bool readWholeFile(const std::string& path, std::string& text) {
-    const int fd = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+// Reads the file `name` of the open folder; a missing file reads as empty.
+bool readFileAt(int dirFd, const char* name, std::string& text) {
+    const int fd = openat(dirFd, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) {
         return errno == ENOENT;
+    }
+    struct stat info {};
+    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        close(fd);
+        return false;
     }
     char buffer[8192];
     ssize_t got = 0;
@@ -142,67 +147,67 @@ bool readWholeFile(const std::string& path, std::string& text) {
     return got == 0;
 }
 
-// Replaces `path` with `text` through a temporary file and rename, so readers never see half a
-// file.
-bool replaceFile(const std::string& path, const std::string& text, const TrashContext& context) {
-    std::string temp = path + ".XXXXXX";
-    const int fd = mkstemp(temp.data());
-    if (fd < 0) {
-        return false;
+// Replaces the file `name` of the open folder with `text` through a temporary file and
+// renameat, so readers never see half a file.
+bool replaceFileAt(int dirFd, const char* name, const std::string& text, uid_t uid, gid_t gid) {
+    std::random_device seed;
+    for (int attempt = 0; attempt < 16; ++attempt) {
+        const std::string temp = std::string(name) + "." + std::to_string(seed());
+        const int fd =
+            openat(dirFd, temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+        if (fd < 0) {
+            if (errno == EEXIST) {
+                continue;
+            }
+            return false;
+        }
+        if (geteuid() != uid) {
+            [[maybe_unused]] const int ignored = fchown(fd, uid, gid);
+        }
+        bool ok = write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+        ok = close(fd) == 0 && ok;
+        if (!ok || renameat(dirFd, temp.c_str(), dirFd, name) != 0) {
+            unlinkat(dirFd, temp.c_str(), 0);
+            return false;
+        }
+        return true;
     }
-    giveToUser(fd, context);
-    bool ok = write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-    ok = close(fd) == 0 && ok;
-    if (!ok || rename(temp.c_str(), path.c_str()) != 0) {
-        unlink(temp.c_str());
-        return false;
-    }
-    return true;
+    return false;
 }
 
-void addDirectorySize(const std::string& trashDir, const std::string& name,
-                      const std::string& infoPath, const TrashContext& context) {
-    const std::string trashed = trashDir + "/files/" + name;
-    const int fd = open(trashed.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd < 0) {
-        return;
-    }
+void addDirectorySize(const OpenTrash& trash, const std::string& name, const std::string& infoName,
+                      const TrashContext& context) {
+    const FolderFd moved(openat(trash.files.get(), name.c_str(), kFolderFlags));
     struct stat folder {};
     struct stat info {};
-    unsigned long long bytes = 0;
-    if (fstat(fd, &folder) == 0) {
-        bytes = folderBytes(fd, folder.st_dev);
-    }
-    close(fd);
-    if (stat(infoPath.c_str(), &info) != 0) {
+    if (!moved.valid() || fstat(moved.get(), &folder) != 0 ||
+        fstatat(trash.info.get(), infoName.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
         return;
     }
-    const std::string sizesPath = trashDir + "/directorysizes";
+    const unsigned long long bytes = folderBytes(moved.get(), folder.st_dev);
     std::string text;
-    if (!readWholeFile(sizesPath, text)) {
+    if (!readFileAt(trash.dir.get(), "directorysizes", text)) {
         return;
     }
     if (!text.empty() && text.back() != '\n') {
         text += '\n';
     }
     text += formatDirectorySizesLine(bytes, static_cast<long long>(info.st_mtime), name);
-    replaceFile(sizesPath, text, context);
+    replaceFileAt(trash.dir.get(), "directorysizes", text, context.uid, context.gid);
 }
 
 // Writes the .trashinfo (O_EXCL, first free name) and renames the item into files/.
-TrashResult moveWithInfo(const std::string& itemPath, const std::string& trashDir,
-                         const std::string& infoPathText, bool isFolder,
-                         const TrashContext& context) {
+TrashResult moveWithInfo(int itemParent, const std::string& leaf, const OpenTrash& trash,
+                         const std::string& trashDir, const std::string& infoPathText,
+                         bool isFolder, const TrashContext& context) {
     TrashResult result;
     result.trashDir = trashDir;
-    const std::string leaf(lastPathComponent(itemPath));
     const std::string text = formatTrashInfo(infoPathText, formatDeletionDate(context.now()));
     for (unsigned n = 0; n < kMaxNameAttempts; ++n) {
         const std::string name = numberedName(leaf, n);
-        const std::string infoPath = trashDir + "/info/" + name + ".trashinfo";
-        const std::string target = trashDir + "/files/" + name;
-        const int fd =
-            open(infoPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+        const std::string infoName = name + ".trashinfo";
+        const int fd = openat(trash.info.get(), infoName.c_str(),
+                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
         if (fd < 0) {
             if (errno == EEXIST) {
                 continue;
@@ -215,14 +220,14 @@ TrashResult moveWithInfo(const std::string& itemPath, const std::string& trashDi
             write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
         const bool closed = close(fd) == 0;
         if (!written || !closed) {
-            unlink(infoPath.c_str());
+            unlinkat(trash.info.get(), infoName.c_str(), 0);
             result.error = "cannot write the Trash record";
             return result;
         }
-        if (renameat2(AT_FDCWD, itemPath.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) !=
-            0) {
+        if (renameat2(itemParent, leaf.c_str(), trash.files.get(), name.c_str(),
+                      RENAME_NOREPLACE) != 0) {
             const int error = errno;
-            unlink(infoPath.c_str());
+            unlinkat(trash.info.get(), infoName.c_str(), 0);
             if (error == EEXIST || error == ENOTEMPTY) {
                 continue; // a stray entry in files/ without its record: take the next name
             }
@@ -230,12 +235,21 @@ TrashResult moveWithInfo(const std::string& itemPath, const std::string& trashDi
                                           : errorText("cannot move into the Trash", error);
             return result;
         }
+        if (runningForAnotherUser(context)) {
+            fchownat(trash.files.get(), name.c_str(), context.uid, context.gid,
+                     AT_SYMLINK_NOFOLLOW);
+            const FolderFd moved(openat(trash.files.get(), name.c_str(), kFolderFlags));
+            struct stat info {};
+            if (moved.valid() && fstat(moved.get(), &info) == 0) {
+                giveTreeToUser(moved.get(), info.st_dev, context);
+            }
+        }
         if (isFolder) {
-            addDirectorySize(trashDir, name, infoPath, context);
+            addDirectorySize(trash, name, infoName, context);
         }
         result.ok = true;
-        result.trashedPath = target;
-        result.infoPath = infoPath;
+        result.trashedPath = trashDir + "/files/" + name;
+        result.infoPath = trashDir + "/info/" + infoName;
         return result;
     }
     result.error = "no free name in the Trash";
@@ -257,31 +271,91 @@ std::string topDirectoryOf(const std::string& folder, dev_t device) {
     return top;
 }
 
+// A trash folder opened from `parent`: a real folder owned by the user on `device`.
+bool usableTrashFolder(const FolderFd& folder, dev_t device, const TrashContext& context) {
+    struct stat info {};
+    return folder.valid() && fstat(folder.get(), &info) == 0 && info.st_uid == context.uid &&
+           info.st_dev == device;
+}
+
 // $topdir/.Trash/$uid when .Trash is a sticky real folder, else $topdir/.Trash-$uid when it is a
 // real folder owned by the user (created when missing). Empty when neither can be used.
-std::string topDirectoryTrash(const std::string& topDir, dev_t device, const TrashContext& context,
-                              TrashLocation& location) {
+std::string openTopDirectoryTrash(const std::string& topDir, dev_t device,
+                                  const TrashContext& context, TrashLocation& location,
+                                  OpenTrash& trash) {
+    const FolderFd top = openFolder(topDir, context.strictPaths);
+    if (!top.valid()) {
+        return {};
+    }
     const std::string base = topDir == "/" ? "" : topDir;
     const std::string uid = std::to_string(context.uid);
-    struct stat shared {};
-    if (isRealFolder(base + "/.Trash", &shared) && (shared.st_mode & S_ISVTX) != 0) {
-        const std::string dir = base + "/.Trash/" + uid;
-        struct stat own {};
-        if (ensureFolder(dir, 0700, context) && isRealFolder(dir, &own) &&
-            own.st_uid == context.uid && own.st_dev == device &&
-            ensureTrashSubfolders(dir, context)) {
+    const FolderFd shared(openat(top.get(), ".Trash", kFolderFlags));
+    struct stat sharedInfo {};
+    if (shared.valid() && fstat(shared.get(), &sharedInfo) == 0 &&
+        (sharedInfo.st_mode & S_ISVTX) != 0) {
+        trash.dir = openOrMakeFolderAt(shared.get(), uid, 0700, context.uid, context.gid);
+        if (usableTrashFolder(trash.dir, device, context) && openSubfolders(trash, context)) {
             location = TrashLocation::topDirShared;
-            return dir;
+            return base + "/.Trash/" + uid;
         }
     }
-    const std::string dir = base + "/.Trash-" + uid;
-    struct stat own {};
-    if (ensureFolder(dir, 0700, context) && isRealFolder(dir, &own) && own.st_uid == context.uid &&
-        own.st_dev == device && ensureTrashSubfolders(dir, context)) {
+    trash.dir = openOrMakeFolderAt(top.get(), ".Trash-" + uid, 0700, context.uid, context.gid);
+    if (usableTrashFolder(trash.dir, device, context) && openSubfolders(trash, context)) {
         location = TrashLocation::topDirUser;
-        return dir;
+        return base + "/.Trash-" + uid;
     }
     return {};
+}
+
+// The item split into its resolved folder (open) and its name.
+struct OpenItem {
+    std::string normal;     // the path as given, normalised
+    std::string realParent; // its folder, links resolved
+    std::string leaf;
+    FolderFd parent;
+    struct stat info {};
+};
+
+bool openItem(const std::string& path, const TrashContext& context, OpenItem& item,
+              std::string& error) {
+    const std::optional<std::string> normal = normalizeAbsolutePath(path);
+    if (!normal || *normal == "/") {
+        error = "not a clean absolute path";
+        return false;
+    }
+    item.normal = *normal;
+    const std::size_t slash = normal->rfind('/');
+    const std::string parent = slash == 0 ? std::string("/") : normal->substr(0, slash);
+    item.leaf = normal->substr(slash + 1);
+    if (context.strictPaths) {
+        item.realParent = parent;
+    } else {
+        char buffer[PATH_MAX];
+        if (realpath(parent.c_str(), buffer) == nullptr) {
+            error = errorText("cannot find the item's folder", errno);
+            return false;
+        }
+        item.realParent = buffer;
+    }
+    item.parent = openFolder(item.realParent, context.strictPaths);
+    struct stat parentInfo {};
+    if (!item.parent.valid() || fstat(item.parent.get(), &parentInfo) != 0) {
+        error = errorText("cannot open the item's folder", errno);
+        return false;
+    }
+    if (fstatat(item.parent.get(), item.leaf.c_str(), &item.info, AT_SYMLINK_NOFOLLOW) != 0) {
+        error = errorText("cannot look at the item", errno);
+        return false;
+    }
+    if (S_ISDIR(item.info.st_mode) && item.info.st_dev != parentInfo.st_dev) {
+        error = "a mount point cannot be moved to the Trash";
+        return false;
+    }
+    return true;
+}
+
+std::string realItemPath(const OpenItem& item) {
+    return (item.realParent == "/" ? "" : item.realParent) + "/" + item.leaf;
 }
 
 } // namespace
@@ -309,55 +383,49 @@ std::string numberedName(const std::string& name, unsigned n) {
 
 TrashResult moveToTrash(const std::string& path, const TrashContext& context) {
     TrashResult result;
-    const std::optional<std::string> normal = normalizeAbsolutePath(path);
-    if (!normal || *normal == "/") {
-        result.error = "not a clean absolute path";
+    OpenItem item;
+    if (!openItem(path, context, item, result.error)) {
         return result;
     }
-    struct stat item {};
-    if (lstat(normal->c_str(), &item) != 0) {
-        result.error = errorText("cannot look at the item", errno);
-        return result;
-    }
-    const std::size_t slash = normal->rfind('/');
-    const std::string parent = slash == 0 ? std::string("/") : normal->substr(0, slash);
-    char realParentBuffer[PATH_MAX];
-    if (realpath(parent.c_str(), realParentBuffer) == nullptr) {
-        result.error = errorText("cannot resolve the item's folder", errno);
-        return result;
-    }
-    const std::string realParent = realParentBuffer;
-    struct stat parentInfo {};
-    if (stat(realParent.c_str(), &parentInfo) != 0) {
-        result.error = errorText("cannot look at the item's folder", errno);
-        return result;
-    }
-    if (S_ISDIR(item.st_mode) && item.st_dev != parentInfo.st_dev) {
-        result.error = "a mount point cannot be moved to the Trash";
-        return result;
-    }
-    const std::string realItem =
-        (realParent == "/" ? "" : realParent) + "/" + std::string(lastPathComponent(*normal));
-    const bool isFolder = S_ISDIR(item.st_mode);
+    const std::string realItem = realItemPath(item);
+    const bool isFolder = S_ISDIR(item.info.st_mode);
 
-    const std::string homeTrash = ensureHomeTrash(context);
-    struct stat homeTrashInfo {};
-    if (!homeTrash.empty() && stat(homeTrash.c_str(), &homeTrashInfo) == 0 &&
-        homeTrashInfo.st_dev == item.st_dev) {
+    const std::optional<std::string> dataHome = normalizeAbsolutePath(context.dataHome);
+    if (!dataHome || *dataHome == "/") {
+        result.error = "the home Trash has no clean path";
+        return result;
+    }
+    OpenTrash home;
+    const bool homeOpened = openHomeTrash(*dataHome + "/Trash", context, home);
+    struct stat homeInfo {};
+    const bool homeKnown = homeOpened ? fstat(home.dir.get(), &homeInfo) == 0
+                                      : stat(dataHome->c_str(), &homeInfo) == 0;
+    if (!homeKnown || homeInfo.st_dev == item.info.st_dev) {
+        // An item on the home trash's file system goes there or nowhere: a home trash that is a
+        // link or cannot be made is never a reason to use a top-directory trash instead.
+        if (!homeOpened) {
+            result.error = "the home Trash cannot be used (missing, a link or not a folder)";
+            return result;
+        }
+        const std::string trashDir = *dataHome + "/Trash";
         char realTrash[PATH_MAX];
-        if (realpath(homeTrash.c_str(), realTrash) != nullptr &&
-            (isWithinFolder(realItem, realTrash) || isWithinFolder(realTrash, realItem))) {
+        const std::string resolvedTrash =
+            realpath(trashDir.c_str(), realTrash) != nullptr ? realTrash : trashDir;
+        if (isWithinFolder(realItem, resolvedTrash) || isWithinFolder(resolvedTrash, realItem)) {
             result.error = "the item is the Trash or lies in it already";
             return result;
         }
-        result = moveWithInfo(*normal, homeTrash, *normal, isFolder, context);
+        result = moveWithInfo(item.parent.get(), item.leaf, home, trashDir, item.normal, isFolder,
+                              context);
         result.location = result.ok ? TrashLocation::home : TrashLocation::none;
         return result;
     }
 
-    const std::string topDir = topDirectoryOf(realParent, item.st_dev);
+    const std::string topDir = topDirectoryOf(item.realParent, item.info.st_dev);
     TrashLocation location = TrashLocation::none;
-    const std::string trashDir = topDirectoryTrash(topDir, item.st_dev, context, location);
+    OpenTrash top;
+    const std::string trashDir =
+        openTopDirectoryTrash(topDir, item.info.st_dev, context, location, top);
     if (trashDir.empty()) {
         result.error = "no usable Trash on the item's file system";
         return result;
@@ -368,46 +436,47 @@ TrashResult moveToTrash(const std::string& path, const TrashContext& context) {
     }
     const std::string relative =
         topDir == "/" ? realItem.substr(1) : realItem.substr(topDir.size() + 1);
-    result = moveWithInfo(*normal, trashDir, relative, isFolder, context);
+    result = moveWithInfo(item.parent.get(), item.leaf, top, trashDir, relative, isFolder, context);
     result.location = result.ok ? location : TrashLocation::none;
     return result;
 }
 
 TrashResult moveIntoHomeTrashManually(const std::string& path, const TrashContext& context) {
     TrashResult result;
-    const std::optional<std::string> normal = normalizeAbsolutePath(path);
-    if (!normal || *normal == "/") {
-        result.error = "not a clean absolute path";
+    OpenItem item;
+    if (!openItem(path, context, item, result.error)) {
         return result;
     }
-    struct stat item {};
-    if (lstat(normal->c_str(), &item) != 0) {
-        result.error = errorText("cannot look at the item", errno);
-        return result;
-    }
-    const std::string homeTrash = ensureHomeTrash(context);
-    if (homeTrash.empty()) {
+    const std::optional<std::string> dataHome = normalizeAbsolutePath(context.dataHome);
+    OpenTrash home;
+    if (!dataHome || *dataHome == "/" || !openHomeTrash(*dataHome + "/Trash", context, home)) {
         result.error = "the home Trash cannot be created";
         return result;
     }
-    if (isWithinFolder(*normal, homeTrash) || isWithinFolder(homeTrash, *normal)) {
+    const std::string trashDir = *dataHome + "/Trash";
+    if (isWithinFolder(item.normal, trashDir) || isWithinFolder(trashDir, item.normal)) {
         result.error = "the item is the Trash or lies in it already";
         return result;
     }
-    result = moveWithInfo(*normal, homeTrash, *normal, S_ISDIR(item.st_mode), context);
+    result = moveWithInfo(item.parent.get(), item.leaf, home, trashDir, item.normal,
+                          S_ISDIR(item.info.st_mode), context);
     result.location = result.ok ? TrashLocation::home : TrashLocation::none;
     return result;
 }
 
-bool forgetTrashEntry(const std::string& trashDir, const std::string& name) {
+bool forgetTrashEntry(const std::string& trashDir, const std::string& name, bool strict) {
+    const FolderFd trash = openFolder(trashDir, strict);
+    if (!trash.valid()) {
+        return errno == ENOENT;
+    }
     bool ok = true;
-    const std::string infoPath = trashDir + "/info/" + name + ".trashinfo";
-    if (unlink(infoPath.c_str()) != 0 && errno != ENOENT) {
+    const FolderFd info(openat(trash.get(), "info", kFolderFlags));
+    if (info.valid() && unlinkat(info.get(), (name + ".trashinfo").c_str(), 0) != 0 &&
+        errno != ENOENT) {
         ok = false;
     }
-    const std::string sizesPath = trashDir + "/directorysizes";
     std::string text;
-    if (!readWholeFile(sizesPath, text) || text.empty()) {
+    if (!readFileAt(trash.get(), "directorysizes", text) || text.empty()) {
         return ok;
     }
     std::string kept;
@@ -425,13 +494,11 @@ bool forgetTrashEntry(const std::string& trashDir, const std::string& name) {
         kept += '\n';
     }
     if (changed) {
-        struct stat info {};
-        TrashContext owner;
-        if (stat(trashDir.c_str(), &info) == 0) {
-            owner.uid = info.st_uid;
-            owner.gid = info.st_gid;
+        struct stat owner {};
+        if (fstat(trash.get(), &owner) != 0) {
+            return false;
         }
-        ok = replaceFile(sizesPath, kept, owner) && ok;
+        ok = replaceFileAt(trash.get(), "directorysizes", kept, owner.st_uid, owner.st_gid) && ok;
     }
     return ok;
 }

@@ -17,6 +17,11 @@ struct TrashContext {
     std::string dataHome; ///< $XDG_DATA_HOME (absolute); the home trash is dataHome + "/Trash"
     uid_t uid = 0;        ///< the user whose trash is used (names .Trash-$uid and .Trash/$uid)
     gid_t gid = 0;        ///< group given to what is created when running for another user
+    /// Strict mode for the privileged helper: `path`, `dataHome` and the top directories must be
+    /// fully resolved (no links), and every folder is reached without following any link, so a
+    /// folder swapped for a link after the paths were checked makes the move fail instead of
+    /// acting elsewhere. Moved items are also given to `uid`/`gid` when running as another user.
+    bool strictPaths = false;
     /// The clock for DeletionDate; empty means std::time(nullptr).
     std::function<std::time_t()> clock;
 
@@ -67,7 +72,8 @@ std::string numberedName(const std::string& name, unsigned n);
 
 /// Removes the .trashinfo and the directorysizes line that belong to `name` in `trashDir`
 /// (after files/<name> was removed). Missing pieces are not an error. Returns false only when
-/// something present could not be removed.
-bool forgetTrashEntry(const std::string& trashDir, const std::string& name);
+/// something present could not be removed. With `strict` the trash folder is opened without
+/// following any link (see TrashContext::strictPaths).
+bool forgetTrashEntry(const std::string& trashDir, const std::string& name, bool strict = false);
 
 } // namespace sondrel

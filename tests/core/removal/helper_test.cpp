@@ -91,6 +91,28 @@ TEST_F(HelperTest, OutOfHomePathsAreRefusedEvenWhenAsked) {
     EXPECT_FALSE(exists(inside));
 }
 
+TEST_F(HelperTest, LinkedRootsAndFoldersLeadNowhere) {
+    test::TempHome t;
+    const std::string outside = t.dir.makeDir("outside");
+    const std::string precious = t.dir.writeFile("outside/precious", "keep");
+    ASSERT_EQ(symlink(outside.c_str(), (t.home + "/evil").c_str()), 0);
+    for (const HelperVerb verb : {HelperVerb::remove, HelperVerb::trash}) {
+        // A root that is a link out of the home, and a path through such a link.
+        const auto viaRoot = client(t).run(verb, {t.home + "/evil/precious"}, {t.home + "/evil"});
+        const auto viaPath = client(t).run(verb, {t.home + "/evil/precious"}, {t.home});
+        ASSERT_EQ(viaRoot.size(), 1U);
+        ASSERT_EQ(viaPath.size(), 1U);
+        EXPECT_FALSE(viaRoot[0].ok);
+        EXPECT_FALSE(viaPath[0].ok);
+        EXPECT_EQ(test::readFile(precious), "keep");
+    }
+    // The link itself may go; its target stays.
+    const auto link = client(t).run(HelperVerb::remove, {t.home + "/evil"}, {t.home});
+    ASSERT_EQ(link.size(), 1U);
+    EXPECT_TRUE(link[0].ok) << link[0].message;
+    EXPECT_EQ(test::readFile(precious), "keep");
+}
+
 TEST_F(HelperTest, StartRules) {
     test::TempHome t;
     const std::string file = t.dir.writeFile("home/file", "x");

@@ -258,3 +258,42 @@ TEST(Trash, CreatedFoldersAndRecordsBelongToTheTrashUser) {
 
 } // namespace
 } // namespace sondrel
+
+namespace sondrel {
+namespace {
+
+// Strict mode (the privileged helper): a link anywhere on the way makes the move fail, and a
+// home trash that is a link is never used nor replaced by another trash.
+TEST(Trash, LinksOnTheWayStopStrictMovesAndLinkedHomeTrashes) {
+    test::TempHome t;
+    const std::string outside = t.dir.makeDir("outside");
+    t.dir.writeFile("outside/victim", "keep");
+    ASSERT_EQ(symlink(outside.c_str(), (t.home + "/linked").c_str()), 0);
+    TrashContext strict = t.context().trash;
+    strict.strictPaths = true;
+
+    const TrashResult throughLink = moveToTrash(t.home + "/linked/victim", strict);
+    EXPECT_FALSE(throughLink.ok);
+    EXPECT_EQ(test::readFile(outside + "/victim"), "keep");
+    const RemovalReport removal = removePermanently(t.home + "/linked/victim", {}, true);
+    EXPECT_FALSE(removal.removed);
+    EXPECT_EQ(test::readFile(outside + "/victim"), "keep");
+
+    // The home trash swapped for a link to somewhere else.
+    const std::string elsewhere = t.dir.makeDir("elsewhere");
+    ASSERT_EQ(symlink(elsewhere.c_str(), t.trash.c_str()), 0);
+    const std::string item = t.dir.writeFile("home/item", "i");
+    for (const bool strictPaths : {true, false}) {
+        TrashContext context = t.context().trash;
+        context.strictPaths = strictPaths;
+        const TrashResult result = moveToTrash(item, context);
+        EXPECT_FALSE(result.ok);
+        EXPECT_EQ(test::readFile(item), "i");
+        EXPECT_FALSE(exists(elsewhere + "/files"));
+        EXPECT_FALSE(exists(elsewhere + "/info"));
+        EXPECT_FALSE(moveIntoHomeTrashManually(item, context).ok);
+    }
+}
+
+} // namespace
+} // namespace sondrel
