@@ -1,0 +1,211 @@
+// The main window offscreen: every page loads without a QML warning, the sidebar lists the eight
+// sections in order, Ctrl+N switches sections, a theme pick recolours the pages, and the
+// permission dialog's Cancel leaves the target and the tree as they were.
+
+#include "app/app_root.h"
+#include "app/qt_conversions.h"
+#include "ui/src/app_actions.h"
+#include "ui/src/shell_setup.h"
+#include "ui/src/symbol_icons.h"
+
+#ifndef Q_MOC_RUN
+#include "platform/locations.h"
+#endif
+
+#include <QDir>
+#include <QFile>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QtQml/qqmlextensionplugin.h>
+#include <memory>
+
+Q_IMPORT_QML_PLUGIN(SondrelPlugin)
+
+namespace sondrel {
+namespace {
+
+constexpr int kScanTimeoutMs = 30000;
+
+// Depth-first search of the visual item tree (delegates and popups have no QObject parent).
+QQuickItem* findItem(QQuickItem* root, const QString& name) {
+    if (root == nullptr) {
+        return nullptr;
+    }
+    if (root->objectName() == name) {
+        return root;
+    }
+    const QList<QQuickItem*> children = root->childItems();
+    for (QQuickItem* child : children) {
+        if (QQuickItem* found = findItem(child, name)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+QQuickItem* findItem(QQuickWindow* window, const QString& name) {
+    return findItem(window->contentItem(), name);
+}
+
+} // namespace
+
+class ShellWindowTest : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    std::unique_ptr<AppRoot> m_root;
+    std::unique_ptr<AppActions> m_actions;
+    std::unique_ptr<QQmlApplicationEngine> m_engine;
+    QQuickWindow* m_window = nullptr;
+
+    QString home() const { return m_dir.path() + "/home"; }
+
+private slots:
+    void initTestCase() {
+        QVERIFY(m_dir.isValid());
+        QStandardPaths::setTestModeEnabled(true);
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
+        QDir().mkpath(home() + "/data/folder");
+        QFile file(home() + "/data/folder/file.bin");
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(50000, 'x'));
+        file.close();
+
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        m_root = std::make_unique<AppRoot>(Locations::forLinux(toPathBytes(home())));
+        m_actions = std::make_unique<AppActions>();
+        m_engine = std::make_unique<QQmlApplicationEngine>();
+        QSignalSpy finished(m_root->diskScanner(), &DiskScanner::scanFinished);
+        m_window = loadMainWindow(*m_engine, m_root.get(), m_actions.get());
+        QVERIFY(m_window != nullptr);
+        QVERIFY(QTest::qWaitForWindowExposed(m_window));
+        // The window's first appearance scans the home folder.
+        QVERIFY(finished.count() > 0 || finished.wait(kScanTimeoutMs));
+        QCOMPARE(m_root->selectedTargetFolder(), home());
+    }
+
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void cleanupTestCase() {
+        m_engine.reset();
+        m_root.reset();
+    }
+
+    void windowMeetsMinimumSize() {
+        QVERIFY(m_window->minimumWidth() >= 1040);
+        QVERIFY(m_window->minimumHeight() >= 680);
+        QCOMPARE(m_root->selectedSection(), 0);
+    }
+
+    void sidebarShowsSectionsInOrder() {
+        QStringList shown;
+        for (int i = 0; i < 8; ++i) {
+            QQuickItem* row = findItem(m_window, QStringLiteral("sectionRow%1").arg(i));
+            QVERIFY2(row != nullptr, qPrintable(QStringLiteral("row %1").arg(i)));
+            shown << findItem(row, QStringLiteral("sectionTitle"))->property("text").toString();
+        }
+        QCOMPARE(shown, AppRoot::sectionTitles());
+        QCOMPARE(shown.first(), QStringLiteral("Smart Care"));
+    }
+
+    void everyPageLoads() {
+        QQuickItem* pages = findItem(m_window, QStringLiteral("pages"));
+        QVERIFY(pages != nullptr);
+        for (int i = 0; i < 8; ++i) {
+            m_root->setSelectedSection(i);
+            QCOMPARE(pages->property("currentIndex").toInt(), i);
+            QTRY_VERIFY(pages->childItems().at(i)->isVisible());
+            QTest::qWait(50);
+        }
+        m_root->setSelectedSection(0);
+        QVERIFY(!m_root->systemMonitor()->isMonitoring());
+    }
+
+    void controlDigitSwitchesSections() {
+        m_window->requestActivate();
+        QTest::keyClick(m_window, Qt::Key_3, Qt::ControlModifier);
+        QCOMPARE(m_root->selectedSection(), 2);
+        QTest::keyClick(m_window, Qt::Key_8, Qt::ControlModifier);
+        QCOMPARE(m_root->selectedSection(), 7);
+        QTest::keyClick(m_window, Qt::Key_1, Qt::ControlModifier);
+        QCOMPARE(m_root->selectedSection(), 0);
+    }
+
+    void themePickRecoloursPages() {
+        QQuickItem* settingsPage = findItem(m_window, QStringLiteral("settingsPage"));
+        QQuickItem* storagePage = findItem(m_window, QStringLiteral("storagePage"));
+        QVERIFY(settingsPage && storagePage);
+        m_root->themeManager()->setCurrentThemeName(QStringLiteral("Obsidian Dark"));
+        const QColor obsidian = palette(AppTheme::obsidian).background;
+        QCOMPARE(settingsPage->property("color").value<QColor>(), obsidian);
+
+        // Clicking the "Deep Ocean" card picks it.
+        m_root->setSelectedSection(7);
+        QQuickItem* oceanCard = findItem(settingsPage, QStringLiteral("themeCard_Deep Ocean"));
+        QVERIFY(oceanCard != nullptr);
+        QTRY_VERIFY(oceanCard->isVisible() && oceanCard->width() > 0);
+        const QPointF centre =
+            oceanCard->mapToScene(QPointF(oceanCard->width() / 2, oceanCard->height() - 10));
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, centre.toPoint());
+        QTRY_COMPARE(m_root->themeManager()->currentThemeName(), QStringLiteral("Deep Ocean"));
+        const QColor ocean = palette(AppTheme::ocean).background;
+        QCOMPARE(settingsPage->property("color").value<QColor>(), ocean);
+        QCOMPARE(storagePage->property("color").value<QColor>(), ocean);
+        QCOMPARE(m_window->color(), ocean);
+        QVERIFY(findItem(oceanCard, QStringLiteral("checkMark"))->isVisible());
+        m_root->themeManager()->setCurrentThemeName(QStringLiteral("Obsidian Dark"));
+    }
+
+    void permissionCancelKeepsTargetAndTree() {
+        m_root->setSelectedSection(1);
+        QVERIFY(m_root->scanChosenPath(home() + "/data"));
+        QTRY_VERIFY_WITH_TIMEOUT(!m_root->diskScanner()->isScanning(), kScanTimeoutMs);
+        QTRY_VERIFY(m_root->navigator()->hasTree());
+        const FileItem tree = m_root->navigator()->root();
+        const QString target = m_root->selectedTargetFolder();
+        QSignalSpy requested(m_root.get(), &AppRoot::scanRequested);
+
+        QVERIFY(!m_root->requestCloudAccessAndScan(home() + "/Nextcloud", "Nextcloud"));
+        QObject* dialog = m_window->findChild<QObject*>(QStringLiteral("permissionDialog"));
+        QVERIFY(dialog != nullptr);
+        QTRY_VERIFY(dialog->property("opened").toBool());
+        QCOMPARE(dialog->property("title").toString(),
+                 QStringLiteral("Permission Required for Nextcloud"));
+
+        QQuickItem* cancel = findItem(m_window, QStringLiteral("permissionCancelButton"));
+        QVERIFY(cancel != nullptr);
+        QTRY_VERIFY(cancel->isVisible() && cancel->width() > 0);
+        const QPointF centre =
+            cancel->mapToScene(QPointF(cancel->width() / 2, cancel->height() / 2));
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, centre.toPoint());
+        QTRY_VERIFY(!dialog->property("visible").toBool());
+        QCOMPARE(m_root->selectedTargetFolder(), target);
+        QCOMPARE(m_root->navigator()->root(), tree);
+        QCOMPARE(requested.count(), 0);
+    }
+
+    void everySymbolHasAnIcon() {
+        const QStringList symbols = SymbolIcons::instance().symbols();
+        QVERIFY(symbols.size() > 40);
+        for (const QString& symbol : AppRoot::sectionSymbols() + symbols) {
+            QVERIFY2(QFile::exists(SymbolIcons::instance().filePath(symbol)), qPrintable(symbol));
+            const QImage image = SymbolIcons::instance().render(symbol, QSize(16, 16), Qt::red);
+            QVERIFY2(image.pixelColor(8, 8).alpha() > 0 || image.pixelColor(4, 4).alpha() > 0 ||
+                         !image.isNull(),
+                     qPrintable(symbol));
+        }
+    }
+};
+
+} // namespace sondrel
+
+QTEST_MAIN(sondrel::ShellWindowTest)
+#include "shell_window_test.moc"
