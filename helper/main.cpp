@@ -15,9 +15,7 @@
 
 #include <cerrno>
 #include <climits>
-#include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <iostream>
 #include <pwd.h>
 #include <string>

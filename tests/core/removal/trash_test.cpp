@@ -229,12 +229,6 @@ TEST(Trash, SecondFileSystemUsesTopDirectoryTrashes) {
     EXPECT_FALSE(exists(t.trash + "/info/d.txt.trashinfo"));
 }
 
-} // namespace
-} // namespace sondrel
-
-namespace sondrel {
-namespace {
-
 // The privileged helper trashes as root for another user: what it creates belongs to that user.
 TEST(Trash, CreatedFoldersAndRecordsBelongToTheTrashUser) {
     if (geteuid() != 0) {
@@ -255,12 +249,6 @@ TEST(Trash, CreatedFoldersAndRecordsBelongToTheTrashUser) {
         EXPECT_EQ(info.st_gid, 4243U) << path;
     }
 }
-
-} // namespace
-} // namespace sondrel
-
-namespace sondrel {
-namespace {
 
 // Strict mode (the privileged helper): a link anywhere on the way makes the move fail, and a
 // home trash that is a link is never used nor replaced by another trash.
