@@ -11,6 +11,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <thread>
 
 namespace sondrel {
@@ -176,6 +177,38 @@ TEST(PermanentRemoval, ImmutableItemsFailCleanlyAndTheRestGoes) {
     ASSERT_TRUE(setImmutable(locked, true));
     EXPECT_TRUE(clearImmutableFlags(locked));
     EXPECT_TRUE(removePermanently(dir / "victim").removed);
+}
+
+// As an ordinary user: a read-only folder keeps its entries, reported, and the rest goes.
+TEST(PermanentRemoval, ReadOnlyFolderAsOrdinaryUser) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "needs root to act as another user";
+    }
+    test::TempDir dir;
+    const std::string kept = dir.writeFile("victim/readonly/kept", "k");
+    dir.writeFile("victim/free/one", "1");
+    constexpr uid_t kNobody = 65534;
+    for (const char* path : {"", "victim", "victim/readonly", "victim/readonly/kept", "victim/free",
+                             "victim/free/one"}) {
+        const std::string full = *path == '\0' ? dir.path() : dir / path;
+        ASSERT_EQ(chown(full.c_str(), kNobody, kNobody), 0);
+    }
+    ASSERT_EQ(chmod((dir / "victim/readonly").c_str(), 0555), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (setgid(kNobody) != 0 || setuid(kNobody) != 0) {
+            _exit(100);
+        }
+        const RemovalReport report = removePermanently(dir / "victim");
+        const bool expected = !report.removed && report.failures.size() == 1 &&
+                              report.failures[0].path == kept && !exists(dir / "victim/free") &&
+                              exists(kept);
+        _exit(expected ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    EXPECT_EQ(test::readFile(kept), "k");
 }
 
 TEST(PermanentRemoval, StaysOnOneFileSystemAndReportsReadOnly) {
