@@ -49,26 +49,33 @@ order=(floor-2t sondrel gdu ncdu du)
 
 median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
 
-declare -A wall rss
+# Runs go round-robin over the tools, so that a burst of load from elsewhere on the machine
+# hits every tool alike; CPU time (user + system) is printed too, as it hardly depends on load.
+declare -A wall cpu rss
 for tool in "${order[@]}"; do
-  cmd=${commands[$tool]}
-  $cmd >/dev/null 2>&1 || true # warm-up: caches filled, binary paged in
+  ${commands[$tool]} >/dev/null 2>&1 || true # warm-up: caches filled, binary paged in
   : >"$scratch/$tool"
-  for ((i = 0; i < runs; i++)); do
-    /usr/bin/time -f "%e %M" -o "$scratch/t" $cmd >/dev/null 2>/dev/null || true
+done
+for ((i = 0; i < runs; i++)); do
+  for tool in "${order[@]}"; do
+    /usr/bin/time -f "%e %U %S %M" -o "$scratch/t" ${commands[$tool]} >/dev/null 2>/dev/null || true
     cat "$scratch/t" >>"$scratch/$tool"
   done
+done
+for tool in "${order[@]}"; do
   wall[$tool]=$(awk '{ print $1 }' "$scratch/$tool" | median)
-  rss[$tool]=$(awk '{ print $2 }' "$scratch/$tool" | median)
+  cpu[$tool]=$(awk '{ print $2 + $3 }' "$scratch/$tool" | median)
+  rss[$tool]=$(awk '{ print $4 }' "$scratch/$tool" | median)
 done
 
 echo
-echo "tree: $tree ($(nproc) cores, $runs warm runs each, medians)"
-printf '%-10s %9s %10s %12s %12s\n' tool "wall s" "x floor" "x sondrel" "peak RSS MB"
+echo "tree: $tree ($(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg), $runs warm runs each, medians)"
+printf '%-10s %8s %9s %10s %8s %9s %12s\n' tool "wall s" "x floor" "x sondrel" "cpu s" "cpu x fl" "peak RSS MB"
 for tool in "${order[@]}"; do
-  printf '%-10s %9.3f %10.2f %12.2f %12.1f\n' "$tool" "${wall[$tool]}" \
+  printf '%-10s %8.3f %9.2f %10.2f %8.3f %9.2f %12.1f\n' "$tool" "${wall[$tool]}" \
     "$(echo "${wall[$tool]} / ${wall[floor-2t]}" | bc -l)" \
     "$(echo "${wall[$tool]} / ${wall[sondrel]}" | bc -l)" \
+    "${cpu[$tool]}" "$(echo "${cpu[$tool]} / ${cpu[floor-2t]}" | bc -l)" \
     "$(echo "${rss[$tool]} / 1024" | bc -l)"
 done
 
