@@ -103,7 +103,7 @@ Rectangle {
                     Icon {
                         name: sidebar.appRoot.sectionSymbols[row.index]
                         color: row.selected ? sidebar.theme.accent : sidebar.theme.textSecondary
-                        size: 17
+                        size: 19
                     }
                     Text {
                         objectName: "sectionTitle"

@@ -23,7 +23,7 @@ Card {
             Icon {
                 name: "internaldrive.fill"
                 color: strip.theme.accent
-                size: 13
+                size: 15
             }
             Text {
                 objectName: "diskStripText"
@@ -58,7 +58,7 @@ Card {
             Icon {
                 name: "externaldrive.fill.badge.icloud"
                 color: strip.theme.secondaryAccent
-                size: 13
+                size: 15
             }
             Text {
                 objectName: "availableStripText"
@@ -75,7 +75,7 @@ Card {
             Icon {
                 name: "memorychip"
                 color: strip.theme.accent
-                size: 13
+                size: 15
             }
             Text {
                 objectName: "ramStripText"

@@ -28,9 +28,10 @@ Rectangle {
 
         RowLayout {
             spacing: 8
-            MonitorIcon {
+            Icon {
                 name: card.iconName
                 color: card.barColor
+                size: 16
             }
             Text {
                 Layout.fillWidth: true

@@ -24,9 +24,10 @@ Rectangle {
         anchors.top: parent.top
         anchors.margins: 16
         spacing: 8
-        MonitorIcon {
+        Icon {
             name: section.iconName
             color: section.theme.accent
+            size: 16
         }
         Text {
             Layout.fillWidth: true

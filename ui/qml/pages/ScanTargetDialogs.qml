@@ -49,6 +49,8 @@ Item {
         anchors.centerIn: parent
         modal: true
         width: 460
+        padding: 20
+        topPadding: 8
         title: dialogs.appRoot.permissionTitle(dialogs.permissionName)
 
         background: Rectangle {
