@@ -2,15 +2,19 @@
 // collapse, hidden names, links, bundles, hard links, unreadable folders, odd names), ordering,
 // cancellation, and totals against an independent walk.
 
+#include "core/scan/foreign_mounts.h"
 #include "core/scan/tree_scan.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <functional>
+#include <mutex>
 #include <random>
 #include <set>
 #include <sys/resource.h>
@@ -422,6 +426,55 @@ TEST(TreeScan, CancelFromProgressStopsEarlyWithAConsistentTree) {
     EXPECT_LT(result.rootItem().fileCount(), 6000);
     EXPECT_GT(result.rootItem().fileCount(), 0);
     expectConsistent(result.rootItem());
+}
+
+TEST(TreeScan, ProgressIsPublishedAtMostEveryEightyMilliseconds) {
+    TempDir dir;
+    for (int i = 0; i < 3000; ++i) {
+        dir.makeFile("d" + std::to_string(i % 30) + "/f" + std::to_string(i), 1);
+    }
+    std::vector<std::chrono::steady_clock::time_point> times;
+    std::mutex mutex;
+    ScanOptions options;
+    options.threads = 4;
+    options.onProgress = [&](const ScanProgress&) {
+        std::lock_guard lock(mutex);
+        times.push_back(std::chrono::steady_clock::now());
+    };
+    CancelToken cancel;
+    for (int round = 0; round < 3; ++round) {
+        scanTree(dir.path(), options, cancel);
+    }
+    std::sort(times.begin(), times.end());
+    for (std::size_t i = 1; i < times.size(); ++i) {
+        // A scan's first report also waits the interval from its start, so the gaps hold
+        // across the three scans too.
+        const auto gap = times[i] - times[i - 1];
+        if (gap < std::chrono::milliseconds(79)) {
+            ADD_FAILURE() << "reports " << i - 1 << " and " << i << " only "
+                          << std::chrono::duration<double>(gap).count() << " s apart";
+        }
+    }
+}
+
+TEST(TreeScan, ForeignFilesystemsBelowTheRootAreEmptyFolders) {
+    const ForeignMounts mounts = foreignMounts();
+    if (std::find(mounts.mountPoints.begin(), mounts.mountPoints.end(), "/dev/pts") ==
+        mounts.mountPoints.end()) {
+        GTEST_SKIP() << "no devpts mount at /dev/pts here";
+    }
+    ScanOptions options;
+    options.maxDepth = 1;
+    CancelToken cancel;
+    const ScanResult skipped = scanTree("/dev", options, cancel);
+    const FileItem pts = child(skipped.rootItem(), "pts");
+    ASSERT_TRUE(pts);
+    EXPECT_TRUE(pts.isDirectory());
+    EXPECT_EQ(pts.childCount(), 0U);
+
+    options.enterForeignFilesystems = true;
+    const ScanResult entered = scanTree("/dev", options, cancel);
+    EXPECT_GT(child(entered.rootItem(), "pts").childCount(), 0U); // ptmx at least
 }
 
 // An independent walk: regular files, hidden names and links skipped, hard links once.
