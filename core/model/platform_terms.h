@@ -14,10 +14,10 @@ enum class TextPlatform : unsigned char { linux, macos };
 TextPlatform currentTextPlatform();
 
 /// `text` with the macOS-only terms replaced for `platform` (unchanged for macOS): "macOS Trash"
-/// -> "Trash", "Finder" -> "Files", "Apple System Integrity Protection" -> "the system's package
-/// manager", "Xcode DerivedData" -> "developer build caches", "Apple Silicon / Intel processors" ->
-/// "x86 / ARM processors", "APFS Storage" -> "Disk Storage", "Mac Name" -> "Computer Name",
-/// "macOS" -> "Linux".
+/// -> "Trash", "macOS Finder" and "Finder" -> "Files", "Apple System Integrity Protection" -> "the
+/// system's package manager", "Xcode DerivedData" -> "developer build caches", "Apple Silicon /
+/// Intel processors" -> "x86 / ARM processors", "APFS Storage" -> "Disk Storage", "Mac Name" ->
+/// "Computer Name", "macOS" -> "Linux".
 std::string withPlatformTerms(std::string_view text, TextPlatform platform);
 
 } // namespace sondrel

@@ -132,6 +132,8 @@ private slots:
         QVERIFY(nav.details()->selectedIsApplication());
         QCOMPARE(StorageDetails::platformText(QStringLiteral("Move to macOS Trash")),
                  QStringLiteral("Move to Trash"));
+        QCOMPARE(StorageDetails::platformText(QStringLiteral("Reveal in macOS Finder")),
+                 QStringLiteral("Reveal in Files"));
     }
 };
 

@@ -3,9 +3,11 @@
 //
 //   /scan/home                      (root, 62,485,760 + 5,000 bytes)
 //     Videos/        40,000,000     movie.mp4 30,000,000, clip.mov 10,000,000
-//     exact.iso      10,485,760     exactly the "> 10 MB" threshold
 //     Projects/      12,000,000     app/ 12,000,000 (main.cpp 12,000,000)
+//     exact.iso      10,485,760     exactly the "> 10 MB" threshold
 //     notes.txt           5,000
+//
+// Children are listed largest first, as the scanner leaves them.
 
 #include "core/model/file_item.h"
 #include "core/model/file_tree.h"
@@ -40,7 +42,7 @@ inline FileItem makeStorageTestTree() {
                    {node("main.cpp", false, 12'000'000, FileCategory::developer)})});
     FileNode* notes = node("notes.txt", false, 5'000, FileCategory::document);
     FileNode* root =
-        node("home", true, 62'490'760, FileCategory::other, {videos, exact, projects, notes});
+        node("home", true, 62'490'760, FileCategory::other, {videos, projects, exact, notes});
     tree->setRoot(root);
     return FileItem::rootOf(tree);
 }

@@ -239,6 +239,10 @@ void StorageCanvas::setHovered(int index) {
     update();
 }
 
+void StorageCanvas::hoverEnterEvent(QHoverEvent* event) {
+    hoverMoveEvent(event);
+}
+
 void StorageCanvas::hoverMoveEvent(QHoverEvent* event) {
     ensureShapes();
     setHovered(shapeAt(event->position()));

@@ -129,6 +129,7 @@ protected:
     void paintOutline(QPainter* painter) const;
 
     void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
+    void hoverEnterEvent(QHoverEvent* event) override;
     void hoverMoveEvent(QHoverEvent* event) override;
     void hoverLeaveEvent(QHoverEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

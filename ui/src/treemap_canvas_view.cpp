@@ -2,6 +2,7 @@
 
 #include "app/qt_conversions.h"
 #include "core/model/byte_format.h"
+#include "ui/src/symbol_icons.h"
 
 #include <QFontMetricsF>
 #include <QLinearGradient>
@@ -20,6 +21,7 @@ constexpr double kDetailMinHeight = 55;
 constexpr qreal kTileInset = 1.0;
 constexpr qreal kTileRadius = 4.0;
 constexpr qreal kTextPadding = 6.0;
+constexpr int kIconSize = 13;
 // Fill opacity of a tile: normal, hovered or selected.
 constexpr qreal kNormalOpacity = 0.82;
 constexpr qreal kHoverOpacity = 1.0;
@@ -47,7 +49,7 @@ void TreemapCanvasView::computeShapes(const std::vector<FileItem>& items, QSizeF
     m_tiles.reserve(m_nodes.size());
     for (const TreemapNode& node : m_nodes) {
         const FileItem& item = m_items[node.index];
-        Tile tile{{}, {}, toQColor(color(item.category()))};
+        Tile tile{{}, {}, toQColor(color(item.category())), item.category()};
         if (node.rect.width > kNameMinWidth && node.rect.height > kNameMinHeight) {
             tile.name = toDisplayQString(item.name());
             if (node.rect.width > kDetailMinWidth && node.rect.height > kDetailMinHeight) {
@@ -132,8 +134,20 @@ void TreemapCanvasView::paintTile(QPainter* painter, const TreemapNode& node, co
     const QFont nameFont = tileFont(12, true);
     painter->setFont(nameFont);
     const QFontMetricsF nameMetrics(nameFont);
-    painter->drawText(QPointF(text.left(), text.top() + nameMetrics.ascent()),
-                      nameMetrics.elidedText(tile.name, Qt::ElideRight, text.width()));
+    QImage& icon = m_icons[static_cast<std::size_t>(tile.category)];
+    if (icon.isNull()) {
+        icon = SymbolIcons::instance().render(QString::fromUtf8(iconName(tile.category)),
+                                              QSize(kIconSize * 2, kIconSize * 2), Qt::white);
+    }
+    const qreal iconWidth = icon.isNull() ? 0 : kIconSize + 5;
+    if (!icon.isNull()) {
+        painter->drawImage(QRectF(text.left(), text.top() + (nameMetrics.height() - kIconSize) / 2,
+                                  kIconSize, kIconSize),
+                           icon);
+    }
+    painter->drawText(
+        QPointF(text.left() + iconWidth, text.top() + nameMetrics.ascent()),
+        nameMetrics.elidedText(tile.name, Qt::ElideRight, std::max(0.0, text.width() - iconWidth)));
     if (!tile.detail.isEmpty()) {
         const QFont detailFont = tileFont(11, false);
         const QFontMetricsF detailMetrics(detailFont);

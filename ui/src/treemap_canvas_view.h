@@ -7,8 +7,10 @@
 #include "core/layout/treemap_layout.h"
 #include "ui/src/storage_canvas.h"
 
+#include <QImage>
 #include <QString>
 #include <QtQml/qqmlregistration.h>
+#include <array>
 #include <vector>
 
 namespace sondrel {
@@ -35,6 +37,7 @@ private:
         QString name;   ///< display name (empty for tiles too small for text)
         QString detail; ///< "size • share" (empty for tiles too small for it)
         QColor color;   ///< category colour
+        FileCategory category;
     };
     void paintTile(QPainter* painter, const TreemapNode& node, const Tile& tile, bool hovered,
                    bool selected) const;
@@ -42,6 +45,8 @@ private:
     std::vector<FileItem> m_items; // the laid-out items; TreemapNode::index points here
     std::vector<TreemapNode> m_nodes;
     std::vector<Tile> m_tiles;
+    // Category icons in white, rendered once on first use (indexed by FileCategory).
+    mutable std::array<QImage, kAllFileCategories.size()> m_icons;
 };
 
 } // namespace sondrel

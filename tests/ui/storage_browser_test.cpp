@@ -1,0 +1,248 @@
+// The storage section offscreen: threshold filter, empty state, inspect and zoom on the
+// canvases, and the details pane, driven with real mouse events.
+#include "app/storage_details.h"
+#include "app/storage_navigator.h"
+#include "core/scan/tree_scan.h"
+#include "tests/ui/storage_test_tree.h"
+#include "ui/src/color_rings_canvas_view.h"
+#include "ui/src/symbol_icons.h"
+#include "ui/src/treemap_canvas_view.h"
+
+#include <QColor>
+#include <QQmlEngine>
+#include <QQmlExtensionPlugin>
+#include <QQuickImageProvider>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QRegularExpression>
+#include <QTest>
+#include <memory>
+#include <vector>
+
+Q_IMPORT_QML_PLUGIN(SondrelPlugin)
+
+using namespace sondrel;
+using sondrel::test::childNamed;
+using sondrel::test::makeStorageTestTree;
+
+namespace {
+
+// The colour roles the storage views read from the theme.
+class TestTheme : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QColor background MEMBER m_background NOTIFY currentThemeNameChanged)
+    Q_PROPERTY(QColor cardBackground MEMBER m_card NOTIFY currentThemeNameChanged)
+    Q_PROPERTY(QColor border MEMBER m_border NOTIFY currentThemeNameChanged)
+    Q_PROPERTY(QColor accent MEMBER m_accent NOTIFY currentThemeNameChanged)
+    Q_PROPERTY(QColor secondaryAccent MEMBER m_accent NOTIFY currentThemeNameChanged)
+    Q_PROPERTY(QColor textPrimary MEMBER m_text NOTIFY currentThemeNameChanged)
+    Q_PROPERTY(QColor textSecondary MEMBER m_text2 NOTIFY currentThemeNameChanged)
+signals:
+    void currentThemeNameChanged();
+
+private:
+    QColor m_background{0x0f, 0x11, 0x15};
+    QColor m_card{0x1b, 0x1e, 0x25};
+    QColor m_border{0x33, 0x37, 0x40};
+    QColor m_accent{0x3d, 0x8b, 0xff};
+    QColor m_text{Qt::white};
+    QColor m_text2{0x9a, 0xa0, 0xab};
+};
+
+} // namespace
+
+class StorageBrowserTest : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QQuickView> m_view;
+    std::unique_ptr<StorageNavigator> m_navigator;
+    std::unique_ptr<TestTheme> m_theme;
+    FileItem m_root;
+
+    // The item called `name` in the visual tree (Repeater delegates are not QObject children
+    // of the root, so findChild alone misses them).
+    template <typename T> T* find(const char* name) const {
+        const QString wanted = QString::fromLatin1(name);
+        std::vector<QQuickItem*> pending{m_view->rootObject()};
+        while (!pending.empty()) {
+            QQuickItem* item = pending.back();
+            pending.pop_back();
+            if (item->objectName() == wanted) {
+                if (auto* typed = qobject_cast<T*>(item)) {
+                    return typed;
+                }
+            }
+            const auto children = item->childItems();
+            pending.insert(pending.end(), children.begin(), children.end());
+        }
+        return nullptr;
+    }
+    // Clicks the centre of `item` in the window.
+    void click(QQuickItem* item) const {
+        QVERIFY(item != nullptr);
+        const QPointF centre = item->mapToScene({item->width() / 2, item->height() / 2});
+        QTest::mouseClick(m_view.get(), Qt::LeftButton, {}, centre.toPoint());
+    }
+    QPoint scenePoint(QQuickItem* canvas, const FileItem& item) const {
+        const QPointF local = qobject_cast<StorageCanvas*>(canvas)->centerOf(item);
+        return canvas->mapToScene(local).toPoint();
+    }
+    TreemapCanvasView* showTreemap() {
+        m_navigator->setVisualizerMode(1);
+        auto* canvas = find<TreemapCanvasView>("treemapCanvas");
+        if (canvas != nullptr) {
+            if (!QTest::qWaitFor([canvas] { return canvas->width() > 100; })) {
+                return nullptr;
+            }
+        }
+        return canvas;
+    }
+
+private slots:
+    void init() {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        m_navigator = std::make_unique<StorageNavigator>();
+        m_theme = std::make_unique<TestTheme>();
+        m_root = makeStorageTestTree();
+        m_navigator->setRoot(m_root);
+        m_view = std::make_unique<QQuickView>();
+        m_view->engine()->addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
+        m_view->setInitialProperties({
+            {QStringLiteral("navigator"), QVariant::fromValue<QObject*>(m_navigator.get())},
+            {QStringLiteral("diskScanner"), QVariant::fromValue<QObject*>(nullptr)},
+            {QStringLiteral("theme"), QVariant::fromValue<QObject*>(m_theme.get())},
+        });
+        m_view->setResizeMode(QQuickView::SizeRootObjectToView);
+        m_view->resize(1200, 800);
+        m_view->setSource(QUrl(QStringLiteral("qrc:/Sondrel/qml/storage/StorageBrowser.qml")));
+        QCOMPARE(m_view->status(), QQuickView::Ready);
+        m_view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+    }
+
+    void cleanup() {
+        m_view.reset();
+        m_navigator.reset();
+        m_theme.reset();
+    }
+
+    void thresholdKeepsAnItemOfExactlyTheThreshold() {
+        TreemapCanvasView* canvas = showTreemap();
+        QVERIFY(canvas != nullptr);
+        QCOMPARE(canvas->shapeCount(), 4);
+        click(find<QQuickItem>("threshold > 10 MB"));
+        QCOMPARE(canvas->minSizeThreshold(), 10'485'760);
+        QStringList kept;
+        for (const FileItem& item : canvas->filteredItems()) {
+            kept << QString::fromStdString(std::string(item.name()));
+        }
+        QCOMPARE(kept, (QStringList{"Videos", "Projects", "exact.iso"}));
+        QCOMPARE(canvas->shapeCount(), 3);
+    }
+
+    void everythingFilteredShowsEmptyStateAndResetRestores() {
+        TreemapCanvasView* canvas = showTreemap();
+        QVERIFY(canvas != nullptr);
+        auto* empty = find<QQuickItem>("emptyState");
+        QVERIFY(empty != nullptr);
+        QVERIFY(!empty->isVisible());
+        click(find<QQuickItem>("threshold > 1 GB"));
+        QCOMPARE(canvas->shapeCount(), 0);
+        QVERIFY(canvas->isFilteredEmpty());
+        QVERIFY(empty->isVisible());
+        click(find<QQuickItem>("resetFilter"));
+        QCOMPARE(canvas->minSizeThreshold(), 0);
+        QCOMPARE(canvas->shapeCount(), 4);
+        QVERIFY(!empty->isVisible());
+    }
+
+    void doubleClickOnFileSectorSelectsButDoesNotZoom() {
+        auto* canvas = find<ColorRingsCanvasView>("ringsCanvas");
+        QVERIFY(canvas != nullptr);
+        QTRY_VERIFY(canvas->shapeCount() > 0);
+        const FileItem file = childNamed(m_root, "exact.iso");
+        QTest::mouseDClick(m_view.get(), Qt::LeftButton, {}, scenePoint(canvas, file));
+        QCOMPARE(m_navigator->currentFolder(), m_root);
+        QCOMPARE(m_navigator->selectedItem(), file);
+
+        // A double click on a folder sector zooms into it.
+        const FileItem videos = childNamed(m_root, "Videos");
+        QTest::mouseDClick(m_view.get(), Qt::LeftButton, {}, scenePoint(canvas, videos));
+        QCOMPARE(m_navigator->currentFolder(), videos);
+        QCOMPARE(m_navigator->details()->breadcrumbNames(), (QStringList{"home", "Videos"}));
+    }
+
+    void hoverFollowsThePointerAndTheHoleClearsIt() {
+        auto* canvas = find<ColorRingsCanvasView>("ringsCanvas");
+        QVERIFY(canvas != nullptr);
+        QTRY_VERIFY(canvas->shapeCount() > 0);
+        const QPointF hole = canvas->mapToScene({canvas->width() / 2, canvas->height() / 2 + 5});
+        QTest::mouseMove(m_view.get(), hole.toPoint());
+        QVERIFY(!canvas->hudIsHover());
+        const FileItem videos = childNamed(m_root, "Videos");
+        QTest::mouseMove(m_view.get(), scenePoint(canvas, videos));
+        QTRY_VERIFY(canvas->hudIsHover());
+        QCOMPARE(canvas->hudName(), QStringLiteral("Videos"));
+        QCOMPARE(canvas->hudShareText(), QStringLiteral("64.0% of folder"));
+        QCOMPARE(canvas->hudItemsText(), QStringLiteral("2 items"));
+        QTest::mouseMove(m_view.get(), hole.toPoint());
+        QTRY_VERIFY(!canvas->hudIsHover());
+        QCOMPARE(canvas->hudName(), QStringLiteral("home"));
+    }
+
+    void clickSelectsAndTheDetailsPaneShowsTheRationale() {
+        TreemapCanvasView* canvas = showTreemap();
+        QVERIFY(canvas != nullptr);
+        const FileItem file = childNamed(m_root, "exact.iso");
+        QTest::mouseClick(m_view.get(), Qt::LeftButton, {}, scenePoint(canvas, file));
+        QCOMPARE(m_navigator->selectedItem(), file);
+        auto* rationale = find<QQuickItem>("rationale");
+        QVERIFY(rationale != nullptr);
+        QVERIFY(rationale->isVisible());
+        const QString text = rationale->property("text").toString();
+        QVERIFY(!text.isEmpty());
+        QCOMPARE(text, m_navigator->details()->selectedRationale());
+
+        click(find<QQuickItem>("clearSelection"));
+        QVERIFY(!m_navigator->hasSelection());
+        QVERIFY(!rationale->isVisible());
+    }
+
+    // Writes treemap.png and rings.png of a real scanned folder into the folder named by
+    // SONDREL_SCREENSHOT_DIR (skipped when unset); SONDREL_SCREENSHOT_SOURCE names the folder
+    // to scan (default /usr/share). Only reads the scanned folder.
+    void screenshotsOfAScannedFolder() {
+        const QString out = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
+        if (out.isEmpty()) {
+            QSKIP("set SONDREL_SCREENSHOT_DIR to write screenshots");
+        }
+        const QString source = qEnvironmentVariable("SONDREL_SCREENSHOT_SOURCE", "/usr/share");
+        const ScanResult scan = scanTree(source.toStdString(), {}, CancelToken{});
+        QVERIFY(scan.tree != nullptr);
+        m_navigator->setRoot(FileItem::rootOf(scan.tree));
+        m_view->resize(1280, 760);
+        m_view->setColor(m_theme->property("background").value<QColor>());
+
+        TreemapCanvasView* treemap = showTreemap();
+        QVERIFY(treemap != nullptr);
+        QTRY_VERIFY(treemap->shapeCount() > 0);
+        const FileItem largest = treemap->filteredItems().front();
+        m_navigator->setSelectedItem(largest);
+        QTest::mouseMove(m_view.get(), scenePoint(treemap, treemap->filteredItems()[1]));
+        QTest::qWait(400);
+        QVERIFY(m_view->grabWindow().save(out + "/treemap.png"));
+
+        m_navigator->clearSelection();
+        m_navigator->setVisualizerMode(0);
+        auto* rings = find<ColorRingsCanvasView>("ringsCanvas");
+        QVERIFY(rings != nullptr);
+        QTRY_VERIFY(rings->shapeCount() > 0);
+        QTest::mouseMove(m_view.get(), scenePoint(rings, rings->filteredItems().front()));
+        QTest::qWait(400);
+        QVERIFY(m_view->grabWindow().save(out + "/rings.png"));
+    }
+};
+
+QTEST_MAIN(StorageBrowserTest)
+#include "storage_browser_test.moc"
