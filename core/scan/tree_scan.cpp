@@ -102,6 +102,12 @@ ScanResult scanTree(const std::string& rootPath, const ScanOptions& options,
         char* real = realpath(root.c_str(), nullptr);
         checkMounts = real == nullptr || mounts.anyBelow(real);
         std::free(real);
+        // The file system the root itself lies on is always walked (scanning /sys or /proc on
+        // purpose); only other foreign mounts below it are left out.
+        struct stat rootInfo {};
+        if (fstat(fd, &rootInfo) == 0) {
+            mounts.devices.erase(static_cast<std::uint64_t>(rootInfo.st_dev));
+        }
     }
     FolderWalk walk =
         walkFolder(fd, root, rootNodeName(root), options, cancel, std::move(mounts), checkMounts);

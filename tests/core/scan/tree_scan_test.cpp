@@ -475,6 +475,31 @@ TEST(TreeScan, ForeignFilesystemsBelowTheRootAreEmptyFolders) {
     options.enterForeignFilesystems = true;
     const ScanResult entered = scanTree("/dev", options, cancel);
     EXPECT_GT(child(entered.rootItem(), "pts").childCount(), 0U); // ptmx at least
+
+    // Scanning a pseudo file system itself walks its folders (/dev is devtmpfs or tmpfs and
+    // has foreign mounts below it: its own subfolders are still entered).
+    options.enterForeignFilesystems = false;
+    options.maxDepth = 2;
+    const ScanResult itself = scanTree("/dev", options, cancel);
+    std::size_t enteredFolders = 0;
+    std::size_t expectedFolders = 0; // non-empty subfolders that are not mount points
+    for (const FileItem& item : itself.rootItem().children()) {
+        enteredFolders += item.isDirectory() && item.childCount() > 0 ? 1 : 0;
+        const std::string path = item.url();
+        if (item.isDirectory() && std::find(mounts.mountPoints.begin(), mounts.mountPoints.end(),
+                                            path) == mounts.mountPoints.end()) {
+            if (DIR* stream = opendir(path.c_str())) {
+                while (dirent* entry = readdir(stream)) {
+                    if (entry->d_name[0] != '.') {
+                        ++expectedFolders;
+                        break;
+                    }
+                }
+                closedir(stream);
+            }
+        }
+    }
+    EXPECT_EQ(enteredFolders > 0, expectedFolders > 0) << describe(itself.rootItem());
 }
 
 // An independent walk: regular files, hidden names and links skipped, hard links once.
