@@ -1,7 +1,7 @@
 #include "core/scan/folder_walk.h"
-#include "core/scan/link_sightings.h"
 
 #include "core/model/file_category.h"
+#include "core/scan/link_sightings.h"
 #include "core/scan/work_stealing_pool.h"
 #include "core/util/path_text.h"
 
