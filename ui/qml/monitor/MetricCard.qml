@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Sondrel
 
 // One headline figure of the telemetry screen: title, big value, a subtitle and a bar.
 Rectangle {
