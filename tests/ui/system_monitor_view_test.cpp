@@ -77,7 +77,7 @@ private:
     // Shows the page for `monitor` in a window of `size`.
     void showPage(SystemMonitor* monitor, QSize size = QSize(1100, 1200)) {
         m_view = std::make_unique<QQuickView>();
-        m_view->engine()->addImportPath(QStringLiteral("qrc:/"));
+        // The same engine set-up as the window: no extra import paths, the symbol image provider.
         installShellImageProviders(*m_view->engine());
         QQmlComponent themeComponent(m_view->engine());
         themeComponent.setData(kThemeQml, QUrl());

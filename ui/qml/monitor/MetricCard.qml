@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
-import Sondrel
+import "../components"
 
 // One headline figure of the telemetry screen: title, big value, a subtitle and a bar.
 Rectangle {

@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
-import Sondrel
+import "../components"
 
 // A titled card of the telemetry screen: icon, title, an optional note on the right, and content.
 Rectangle {
