@@ -46,11 +46,7 @@ TEST(MemoryStatsTest, UsedIsActiveWiredCompressedAndPercentOfTotal) {
     stats.freeBytes = 2'000'000'000;
     EXPECT_EQ(stats.usedBytes(), 8'000'000'000u);
     EXPECT_DOUBLE_EQ(stats.usagePercent(), 50.0);
-    EXPECT_EQ(stats.formattedTotal(), "16 GB");
     EXPECT_EQ(stats.formattedUsed(), "8 GB");
-    EXPECT_EQ(stats.formattedFree(), "2 GB");
-    EXPECT_EQ(stats.formattedWired(), "1.5 GB");
-    EXPECT_EQ(stats.formattedCompressed(), "500 MB");
 }
 
 TEST(MemoryStatsTest, ZeroTotalGivesZeroPercent) {
@@ -91,15 +87,6 @@ TEST(DiskStatsTest, ComputedValues) {
         EXPECT_EQ(c.disk.rawUsedBytes(), c.rawUsed);
         EXPECT_DOUBLE_EQ(c.disk.usagePercent(), c.usagePercent);
     }
-}
-
-TEST(DiskStatsTest, FormattedTexts) {
-    const DiskStats disk{250'000'000'000, 130'000'000'000, 0, 120'000'000'000};
-    EXPECT_EQ(disk.formattedTotal(), "250 GB");
-    EXPECT_EQ(disk.formattedUsed(), "130 GB");
-    EXPECT_EQ(disk.formattedEffectiveAvailable(), "120 GB");
-    EXPECT_EQ(disk.formattedFree(), "130 GB");
-    EXPECT_EQ(disk.formattedPurgeable(), "Zero KB");
 }
 
 TEST(SystemOverviewTest, HostFactsAndUptimeInHours) {
