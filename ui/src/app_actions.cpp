@@ -38,7 +38,7 @@ QString AppActions::aboutText() {
     return QStringLiteral("Version %1 (%2)\n\n"
                           "Next-Generation Storage Scopix, 1-Click Smart Care, App Residue "
                           "Cleaner, Duplicate Hunter & Live Telemetry.\n\n"
-                          "Support: %3\nWebsite: %4\n\n"
+                          "Support: %3\n\nWebsite: %4\n\n"
                           "100% Local & Privacy-First.")
         .arg(QCoreApplication::applicationVersion(), platformLine, supportEmail(), websiteUrl());
 }

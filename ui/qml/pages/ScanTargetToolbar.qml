@@ -50,6 +50,8 @@ Card {
                         icon.source: "image://symbol/" + modelData.symbol + "/"
                                      + String(toolbar.theme.accent).substring(1)
                         icon.color: "transparent"
+                        icon.width: 16
+                        icon.height: 16
                         onTriggered: toolbar.appRoot.activateScanTarget(index)
                     }
                     onObjectAdded: function (index, object) { targetMenu.insertItem(index, object) }
