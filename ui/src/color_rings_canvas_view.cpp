@@ -88,30 +88,40 @@ QPointF ColorRingsCanvasView::shapeCenter(int index) const {
     return {p.x, p.y};
 }
 
-void ColorRingsCanvasView::paint(QPainter* painter) {
-    ensureShapes();
-    paintCard(painter);
-    const int hovered = hoveredShape();
-    const FileItem selection =
-        navigator() && navigator()->hasSelection() ? navigator()->selectedItem() : FileItem{};
-    int selected = -1;
+int ColorRingsCanvasView::selectedShape() const {
+    if (!navigator() || !navigator()->hasSelection()) {
+        return -1;
+    }
+    const FileNode* selection = navigator()->selectedItem().node();
     for (std::size_t i = 0; i < m_sectors.size(); ++i) {
-        const bool isSel = selection && m_sectors[i].node == selection.node();
-        if (isSel) {
-            selected = static_cast<int>(i);
-        }
-        paintSector(painter, i, static_cast<int>(i) == hovered, isSel);
-    }
-    for (const int index : {selected, hovered}) {
-        if (index >= 0 && index < static_cast<int>(m_paths.size())) {
-            painter->setBrush(Qt::NoBrush);
-            painter->setPen(QPen(index == selected ? themeColor("textPrimary", Qt::white)
-                                                   : QColor(255, 255, 255, 170),
-                                 index == selected ? 2.0 : 1.5));
-            painter->drawPath(m_paths[static_cast<std::size_t>(index)]);
+        if (m_sectors[i].node == selection) {
+            return static_cast<int>(i);
         }
     }
-    paintOutline(painter);
+    return -1;
+}
+
+void ColorRingsCanvasView::paintShapes(QPainter* painter) const {
+    painter->setRenderHint(QPainter::Antialiasing, true);
+    for (std::size_t i = 0; i < m_sectors.size(); ++i) {
+        paintSector(painter, i, false, false);
+    }
+}
+
+void ColorRingsCanvasView::paintEmphasis(QPainter* painter, int hovered, int selected) const {
+    // The selection is drawn last so that its outline stays on top.
+    for (const int index : {hovered == selected ? -1 : hovered, selected}) {
+        if (index < 0) {
+            continue;
+        }
+        const auto i = static_cast<std::size_t>(index);
+        paintSector(painter, i, index == hovered, index == selected);
+        painter->setBrush(Qt::NoBrush);
+        painter->setPen(QPen(index == selected ? themeColor("textPrimary", Qt::white)
+                                               : QColor(255, 255, 255, 170),
+                             index == selected ? 2.0 : 1.5));
+        painter->drawPath(m_paths[i]);
+    }
 }
 
 void ColorRingsCanvasView::paintSector(QPainter* painter, std::size_t index, bool hovered,

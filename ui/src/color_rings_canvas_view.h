@@ -33,8 +33,6 @@ class ColorRingsCanvasView : public StorageCanvas {
 public:
     explicit ColorRingsCanvasView(QQuickItem* parent = nullptr);
 
-    void paint(QPainter* painter) override;
-
     bool hudIsHover() const;
     QString hudIcon() const;
     QString hudName() const;
@@ -55,6 +53,9 @@ protected:
     int shapeAt(QPointF point) const override;
     FileItem itemOfShape(int index) const override;
     QPointF shapeCenter(int index) const override;
+    void paintShapes(QPainter* painter) const override;
+    void paintEmphasis(QPainter* painter, int hovered, int selected) const override;
+    int selectedShape() const override;
 
 private:
     void paintSector(QPainter* painter, std::size_t index, bool hovered, bool selected) const;

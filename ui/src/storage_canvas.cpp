@@ -92,6 +92,7 @@ void StorageCanvas::setTheme(QObject* theme) {
                     metaObject()->method(repaint));
         }
     }
+    m_layerDirty = true;
     emit themeChanged();
     update();
 }
@@ -117,6 +118,7 @@ QVariantList StorageCanvas::sizeThresholds() {
 
 void StorageCanvas::invalidate() {
     m_dirty = true;
+    m_layerDirty = true;
     m_hovered = -1;
     emit contentChanged();
     emit hoverChanged();
@@ -209,6 +211,37 @@ void StorageCanvas::paintCard(QPainter* painter) const {
     painter->setRenderHint(QPainter::Antialiasing, true);
     painter->fillPath(clip, themeColor("cardBackground", QColor(0x1b, 0x1e, 0x25)));
     painter->setClipPath(clip);
+}
+
+void StorageCanvas::paint(QPainter* painter) {
+    ensureShapes();
+    const qreal ratio = painter->device() != nullptr ? painter->device()->devicePixelRatioF() : 1.0;
+    const QSize pixels = (size() * ratio).toSize();
+    if (pixels.isEmpty()) {
+        return;
+    }
+    if (m_layerDirty || m_layer.size() != pixels) {
+        m_layer = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+        m_layer.setDevicePixelRatio(ratio);
+        m_layer.fill(Qt::transparent);
+        QPainter layer(&m_layer);
+        paintCard(&layer);
+        paintShapes(&layer);
+        m_layerDirty = false;
+    }
+    painter->drawImage(QPointF(0, 0), m_layer);
+    const int hovered = m_hovered < shapeCountImpl() ? m_hovered : -1;
+    const int selected = selectedShape();
+    if (hovered >= 0 || selected >= 0) {
+        QPainterPath clip;
+        clip.addRoundedRect(boundingRect().adjusted(1, 1, -1, -1), kCornerRadius, kCornerRadius);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing, true);
+        painter->setClipPath(clip);
+        paintEmphasis(painter, hovered, selected);
+        painter->restore();
+    }
+    paintOutline(painter);
 }
 
 void StorageCanvas::paintOutline(QPainter* painter) const {

@@ -3,7 +3,9 @@
 // children straight from the navigator's FileItem tree, applies the size threshold, keeps the
 // hovered shape, turns pointer input into inspect / zoom / context-menu requests and accepts a
 // dropped folder. Subclasses compute their shapes (only when the size, the folder or the
-// threshold changes; hovering only repaints) and paint them.
+// threshold changes; hovering only repaints) and paint them. All shapes in their normal state
+// are drawn once into a cached layer; a repaint (hover, selection) blits that layer and draws
+// only the emphasised shapes over it.
 //
 // Threading: GUI thread for everything except paint(), which the software renderer calls on the
 // GUI thread too and the threaded renderer calls on the render thread while the GUI thread is
@@ -13,6 +15,7 @@
 #include "core/model/file_item.h"
 
 #include <QColor>
+#include <QImage>
 #include <QPointer>
 #include <QQuickPaintedItem>
 #include <QVariantList>
@@ -47,6 +50,10 @@ class StorageCanvas : public QQuickPaintedItem {
 
 public:
     explicit StorageCanvas(QQuickItem* parent = nullptr);
+
+    /// Draws the cached layer of shapes (re-rendered after the shapes or the theme changed),
+    /// then the hovered and selected shapes and the card outline.
+    void paint(QPainter* painter) final;
 
     StorageNavigator* navigator() const { return m_navigator; }
     void setNavigator(StorageNavigator* navigator);
@@ -113,6 +120,12 @@ protected:
     virtual QPointF shapeCenter(int index) const = 0;
     /// Called after the hovered shape changed (before the repaint).
     virtual void onHoverChanged() {}
+    /// Paints every shape in its normal state (into the cached layer, card already drawn).
+    virtual void paintShapes(QPainter* painter) const = 0;
+    /// Paints the emphasised shapes over the layer; -1 means none.
+    virtual void paintEmphasis(QPainter* painter, int hovered, int selected) const = 0;
+    /// Index of the shape of the navigator's selection, or -1.
+    virtual int selectedShape() const = 0;
 
     /// Makes sure the shapes match the current input (call first in paint()).
     void ensureShapes() const;
@@ -155,6 +168,9 @@ private:
     mutable bool m_dirty = true;
     mutable std::vector<FileItem> m_filtered;
     mutable std::size_t m_childCount = 0;
+    // The shapes in their normal state, in device pixels; rebuilt when m_layerDirty.
+    QImage m_layer;
+    bool m_layerDirty = true;
 };
 
 } // namespace sondrel

@@ -22,6 +22,8 @@ constexpr qreal kTileInset = 1.0;
 constexpr qreal kTileRadius = 4.0;
 constexpr qreal kTextPadding = 6.0;
 constexpr int kIconSize = 13;
+// Tiles with a side below this are drawn as plain rectangles.
+constexpr qreal kSmallTileSide = 16.0;
 // Fill opacity of a tile: normal, hovered or selected.
 constexpr qreal kNormalOpacity = 0.82;
 constexpr qreal kHoverOpacity = 1.0;
@@ -76,32 +78,41 @@ QPointF TreemapCanvasView::shapeCenter(int index) const {
     return {r.x + r.width / 2, r.y + r.height / 2};
 }
 
-void TreemapCanvasView::paint(QPainter* painter) {
-    ensureShapes();
-    paintCard(painter);
-    const int hovered = hoveredShape();
-    int selected = -1;
-    for (std::size_t i = 0; i < m_nodes.size(); ++i) {
-        const bool isSel = isSelected(m_items[m_nodes[i].index]);
-        if (isSel) {
-            selected = static_cast<int>(i);
-        }
-        paintTile(painter, m_nodes[i], m_tiles[i], static_cast<int>(i) == hovered, isSel);
+int TreemapCanvasView::selectedShape() const {
+    if (!navigator() || !navigator()->hasSelection()) {
+        return -1;
     }
-    // Emphasis outlines go on top so that neighbours do not cover them.
+    const FileItem& selection = navigator()->selectedItem();
+    for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+        if (m_items[m_nodes[i].index].node() == selection.node()) {
+            return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+void TreemapCanvasView::paintShapes(QPainter* painter) const {
+    for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+        paintTile(painter, m_nodes[i], m_tiles[i], false, false);
+    }
+}
+
+void TreemapCanvasView::paintEmphasis(QPainter* painter, int hovered, int selected) const {
     const QColor textColor = themeColor("textPrimary", Qt::white);
-    for (const int index : {hovered, selected}) {
-        if (index < 0 || index >= static_cast<int>(m_nodes.size())) {
+    // The selection is drawn last so that its outline stays on top.
+    for (const int index : {hovered == selected ? -1 : hovered, selected}) {
+        if (index < 0) {
             continue;
         }
-        const LayoutRect& r = m_nodes[static_cast<std::size_t>(index)].rect;
+        const auto i = static_cast<std::size_t>(index);
+        paintTile(painter, m_nodes[i], m_tiles[i], true, index == selected);
+        const LayoutRect& r = m_nodes[i].rect;
         const QRectF rect = QRectF(r.x, r.y, r.width, r.height).adjusted(1, 1, -1, -1);
         painter->setBrush(Qt::NoBrush);
         painter->setPen(QPen(index == selected ? textColor : QColor(255, 255, 255, 150),
                              index == selected ? 2.0 : 1.0));
         painter->drawRoundedRect(rect, kTileRadius, kTileRadius);
     }
-    paintOutline(painter);
 }
 
 void TreemapCanvasView::paintTile(QPainter* painter, const TreemapNode& node, const Tile& tile,
@@ -111,10 +122,18 @@ void TreemapCanvasView::paintTile(QPainter* painter, const TreemapNode& node, co
     if (rect.width() <= 0 || rect.height() <= 0) {
         return;
     }
+    const qreal opacity = hovered || selected ? kHoverOpacity : kNormalOpacity;
+    if (rect.width() < kSmallTileSide || rect.height() < kSmallTileSide) {
+        // Small tiles are plain rectangles: a gradient or rounded corners cannot be seen at
+        // this size, and skipping them keeps a repaint of thousands of tiles cheap.
+        QColor fill = tile.color;
+        fill.setAlphaF(static_cast<float>(opacity));
+        painter->fillRect(rect, fill);
+        return;
+    }
     QLinearGradient gradient(rect.topLeft(), rect.bottomRight());
     QColor top = tile.color.lighter(115);
     QColor bottom = tile.color.darker(135);
-    const qreal opacity = hovered || selected ? kHoverOpacity : kNormalOpacity;
     top.setAlphaF(static_cast<float>(opacity));
     bottom.setAlphaF(static_cast<float>(opacity));
     gradient.setColorAt(0, top);

@@ -22,14 +22,15 @@ class TreemapCanvasView : public StorageCanvas {
 public:
     explicit TreemapCanvasView(QQuickItem* parent = nullptr);
 
-    void paint(QPainter* painter) override;
-
 protected:
     void computeShapes(const std::vector<FileItem>& items, QSizeF size) override;
     int shapeCountImpl() const override { return static_cast<int>(m_nodes.size()); }
     int shapeAt(QPointF point) const override;
     FileItem itemOfShape(int index) const override;
     QPointF shapeCenter(int index) const override;
+    void paintShapes(QPainter* painter) const override;
+    void paintEmphasis(QPainter* painter, int hovered, int selected) const override;
+    int selectedShape() const override;
 
 private:
     // Drawing facts of one tile, parallel to m_nodes.
