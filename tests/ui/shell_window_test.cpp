@@ -139,6 +139,21 @@ private slots:
         QCOMPARE(m_root->selectedSection(), 0);
     }
 
+    void arrowsMoveInTheSidebar() {
+        QQuickItem* list = findItem(m_window, QStringLiteral("sectionList"));
+        QVERIFY(list != nullptr);
+        list->forceActiveFocus();
+        QTest::keyClick(m_window, Qt::Key_Down);
+        QTest::keyClick(m_window, Qt::Key_Down);
+        QCOMPARE(m_root->selectedSection(), 2);
+        QTest::keyClick(m_window, Qt::Key_Up);
+        QCOMPARE(m_root->selectedSection(), 1);
+        QTest::keyClick(m_window, Qt::Key_Up);
+        QTest::keyClick(m_window, Qt::Key_Up);
+        QCOMPARE(m_root->selectedSection(), 0);
+        QCOMPARE(list->property("currentIndex").toInt(), 0);
+    }
+
     void themePickRecoloursPages() {
         QQuickItem* settingsPage = findItem(m_window, QStringLiteral("settingsPage"));
         QQuickItem* storagePage = findItem(m_window, QStringLiteral("storagePage"));

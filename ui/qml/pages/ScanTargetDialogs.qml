@@ -31,6 +31,7 @@ Item {
         id: customFolder
         title: "Choose a Folder to Scan"
         acceptLabel: "Scopix Storage"
+        currentFolder: dialogs.appRoot.fileUrl(dialogs.appRoot.selectedTargetFolder)
         onAccepted: dialogs.appRoot.scanChosenFolder(selectedFolder)
     }
 
