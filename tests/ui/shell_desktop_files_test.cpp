@@ -3,6 +3,7 @@
 // About and Help texts carry the configured addresses.
 
 #include "ui/src/app_actions.h"
+#include "ui/src/tray_icon.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -76,6 +77,19 @@ private slots:
         QVERIFY(help.endsWith(QStringLiteral("We typically respond within 24 hours.")));
         QCOMPARE(AppActions::emailSupportMenuText(),
                  QStringLiteral("Email Support (%1)").arg(AppActions::supportEmail()));
+    }
+
+    void trayMenuListsItsItemsInOrder() {
+        AppActions actions;
+        TrayIcon tray(&actions);
+        QStringList items;
+        for (const QAction* action : tray.menu()->actions()) {
+            items << (action->isSeparator() ? QStringLiteral("-") : action->text());
+        }
+        QCOMPARE(items,
+                 (QStringList{"Sondrel Storage Studio", "-", "Open Storage Scopix", "About Sondrel",
+                              "Help & Support (" + AppActions::supportEmail() + ")", "-",
+                              "Quit Sondrel"}));
     }
 };
 
