@@ -204,13 +204,10 @@ QColor StorageCanvas::themeColor(const char* role, const QColor& fallback) const
     return value.canConvert<QColor>() ? value.value<QColor>() : fallback;
 }
 
-void StorageCanvas::paintCard(QPainter* painter) const {
-    const QRectF card = boundingRect().adjusted(1, 1, -1, -1);
-    QPainterPath clip;
-    clip.addRoundedRect(card, kCornerRadius, kCornerRadius);
-    painter->setRenderHint(QPainter::Antialiasing, true);
-    painter->fillPath(clip, themeColor("cardBackground", QColor(0x1b, 0x1e, 0x25)));
-    painter->setClipPath(clip);
+QPainterPath StorageCanvas::cardPath() const {
+    QPainterPath path;
+    path.addRoundedRect(boundingRect().adjusted(1, 1, -1, -1), kCornerRadius, kCornerRadius);
+    return path;
 }
 
 void StorageCanvas::paint(QPainter* painter) {
@@ -224,20 +221,26 @@ void StorageCanvas::paint(QPainter* painter) {
         m_layer = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
         m_layer.setDevicePixelRatio(ratio);
         m_layer.fill(Qt::transparent);
+        // The shapes are clipped to the card's rectangle (cheap) and the rounded corners are cut
+        // afterwards in one pass; clipping every shape to the rounded outline costs far more.
         QPainter layer(&m_layer);
-        paintCard(&layer);
+        const QPainterPath card = cardPath();
+        layer.setRenderHint(QPainter::Antialiasing, true);
+        layer.fillPath(card, themeColor("cardBackground", QColor(0x1b, 0x1e, 0x25)));
+        layer.setClipRect(card.boundingRect());
         paintShapes(&layer);
+        layer.setClipping(false);
+        layer.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+        layer.fillPath(card, Qt::black);
         m_layerDirty = false;
     }
     painter->drawImage(QPointF(0, 0), m_layer);
     const int hovered = m_hovered < shapeCountImpl() ? m_hovered : -1;
     const int selected = selectedShape();
     if (hovered >= 0 || selected >= 0) {
-        QPainterPath clip;
-        clip.addRoundedRect(boundingRect().adjusted(1, 1, -1, -1), kCornerRadius, kCornerRadius);
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing, true);
-        painter->setClipPath(clip);
+        painter->setClipPath(cardPath());
         paintEmphasis(painter, hovered, selected);
         painter->restore();
     }

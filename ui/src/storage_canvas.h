@@ -16,6 +16,7 @@
 
 #include <QColor>
 #include <QImage>
+#include <QPainterPath>
 #include <QPointer>
 #include <QQuickPaintedItem>
 #include <QVariantList>
@@ -135,9 +136,8 @@ protected:
     bool isSelected(const FileItem& item) const;
     /// A colour of the theme by role name, or `fallback` when the theme lacks it.
     QColor themeColor(const char* role, const QColor& fallback) const;
-    /// Paints the rounded card background, clipped, and the outline (accent while a drop
-    /// hovers). Subclasses paint their shapes on top.
-    void paintCard(QPainter* painter) const;
+    /// The card's rounded outline, inset by one point.
+    QPainterPath cardPath() const;
     /// Strokes the card's outline: accent, 2 wide while a drop hovers; border, 1 wide otherwise.
     void paintOutline(QPainter* painter) const;
 

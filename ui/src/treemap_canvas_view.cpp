@@ -22,6 +22,9 @@ constexpr qreal kTileInset = 1.0;
 constexpr qreal kTileRadius = 4.0;
 constexpr qreal kTextPadding = 6.0;
 constexpr int kIconSize = 13;
+constexpr qreal kIconSpace = kIconSize + 5;
+constexpr int kNamePixelSize = 12;
+constexpr int kDetailPixelSize = 11;
 // Tiles with a side below this are drawn as plain rectangles.
 constexpr qreal kSmallTileSide = 16.0;
 // Fill opacity of a tile: normal, hovered or selected.
@@ -49,15 +52,25 @@ void TreemapCanvasView::computeShapes(const std::vector<FileItem>& items, QSizeF
     m_nodes = computeLayout(sizes, {0, 0, size.width(), size.height()});
     m_tiles.clear();
     m_tiles.reserve(m_nodes.size());
+    const QFont nameFont = tileFont(kNamePixelSize, true);
+    const QFont detailFont = tileFont(kDetailPixelSize, false);
+    const QFontMetricsF nameMetrics(nameFont);
+    const QFontMetricsF detailMetrics(detailFont);
     for (const TreemapNode& node : m_nodes) {
         const FileItem& item = m_items[node.index];
         Tile tile{{}, {}, toQColor(color(item.category())), item.category()};
+        // Texts are elided and laid out here once; painting only draws the prepared glyphs.
+        const double textWidth = node.rect.width - 2 * (kTileInset + kTextPadding);
         if (node.rect.width > kNameMinWidth && node.rect.height > kNameMinHeight) {
-            tile.name = toDisplayQString(item.name());
+            tile.name.setText(nameMetrics.elidedText(toDisplayQString(item.name()), Qt::ElideRight,
+                                                     std::max(0.0, textWidth - kIconSpace)));
+            tile.name.prepare(QTransform(), nameFont);
             if (node.rect.width > kDetailMinWidth && node.rect.height > kDetailMinHeight) {
-                tile.detail = QString::fromStdString(item.formattedSize()) +
-                              QStringLiteral(" \u2022 ") +
-                              QString::fromStdString(formatPercent(node.percentage));
+                tile.detail.setText(detailMetrics.elidedText(
+                    QString::fromStdString(item.formattedSize()) + QStringLiteral(" \u2022 ") +
+                        QString::fromStdString(formatPercent(node.percentage)),
+                    Qt::ElideRight, std::max(0.0, textWidth)));
+                tile.detail.prepare(QTransform(), detailFont);
             }
         }
         m_tiles.push_back(std::move(tile));
@@ -92,8 +105,23 @@ int TreemapCanvasView::selectedShape() const {
 }
 
 void TreemapCanvasView::paintShapes(QPainter* painter) const {
+    // Small tiles first without antialiasing (plain pixel rectangles fill fastest), then the
+    // large ones with it. Tiles never overlap, so the order does not change the picture.
+    const auto isSmall = [](const TreemapNode& node) {
+        return node.rect.width - 2 * kTileInset < kSmallTileSide ||
+               node.rect.height - 2 * kTileInset < kSmallTileSide;
+    };
+    painter->setRenderHint(QPainter::Antialiasing, false);
     for (std::size_t i = 0; i < m_nodes.size(); ++i) {
-        paintTile(painter, m_nodes[i], m_tiles[i], false, false);
+        if (isSmall(m_nodes[i])) {
+            paintTile(painter, m_nodes[i], m_tiles[i], false, false);
+        }
+    }
+    painter->setRenderHint(QPainter::Antialiasing, true);
+    for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+        if (!isSmall(m_nodes[i])) {
+            paintTile(painter, m_nodes[i], m_tiles[i], false, false);
+        }
     }
 }
 
@@ -138,43 +166,38 @@ void TreemapCanvasView::paintTile(QPainter* painter, const TreemapNode& node, co
     bottom.setAlphaF(static_cast<float>(opacity));
     gradient.setColorAt(0, top);
     gradient.setColorAt(1, bottom);
+    // The inset between tiles separates them; only tiles large enough for text get rounded
+    // corners and a thin edge, which cost a path fill and a stroke each.
+    if (tile.name.text().isEmpty()) {
+        painter->fillRect(rect, gradient);
+        return;
+    }
     painter->setPen(QPen(QColor(0, 0, 0, 60), 0.5));
     painter->setBrush(gradient);
-    if (rect.width() > 2 * kTileRadius && rect.height() > 2 * kTileRadius) {
-        painter->drawRoundedRect(rect, kTileRadius, kTileRadius);
-    } else {
-        painter->drawRect(rect);
-    }
-    if (tile.name.isEmpty()) {
+    painter->drawRoundedRect(rect, kTileRadius, kTileRadius);
+    if (tile.name.text().isEmpty()) {
         return;
     }
     const QRectF text = rect.adjusted(kTextPadding, kTextPadding, -kTextPadding, -kTextPadding);
-    painter->setPen(Qt::white);
-    const QFont nameFont = tileFont(12, true);
-    painter->setFont(nameFont);
-    const QFontMetricsF nameMetrics(nameFont);
+    const QFont nameFont = tileFont(kNamePixelSize, true);
+    const qreal lineHeight = QFontMetricsF(nameFont).height();
     QImage& icon = m_icons[static_cast<std::size_t>(tile.category)];
     if (icon.isNull()) {
         icon = SymbolIcons::instance().render(QString::fromUtf8(iconName(tile.category)),
                                               QSize(kIconSize * 2, kIconSize * 2), Qt::white);
     }
-    const qreal iconWidth = icon.isNull() ? 0 : kIconSize + 5;
     if (!icon.isNull()) {
-        painter->drawImage(QRectF(text.left(), text.top() + (nameMetrics.height() - kIconSize) / 2,
-                                  kIconSize, kIconSize),
-                           icon);
+        painter->drawImage(
+            QRectF(text.left(), text.top() + (lineHeight - kIconSize) / 2, kIconSize, kIconSize),
+            icon);
     }
-    painter->drawText(
-        QPointF(text.left() + iconWidth, text.top() + nameMetrics.ascent()),
-        nameMetrics.elidedText(tile.name, Qt::ElideRight, std::max(0.0, text.width() - iconWidth)));
-    if (!tile.detail.isEmpty()) {
-        const QFont detailFont = tileFont(11, false);
-        const QFontMetricsF detailMetrics(detailFont);
-        painter->setFont(detailFont);
+    painter->setPen(Qt::white);
+    painter->setFont(nameFont);
+    painter->drawStaticText(QPointF(text.left() + kIconSpace, text.top()), tile.name);
+    if (!tile.detail.text().isEmpty()) {
+        painter->setFont(tileFont(kDetailPixelSize, false));
         painter->setPen(QColor(255, 255, 255, 210));
-        painter->drawText(
-            QPointF(text.left(), text.top() + nameMetrics.height() + 2 + detailMetrics.ascent()),
-            detailMetrics.elidedText(tile.detail, Qt::ElideRight, text.width()));
+        painter->drawStaticText(QPointF(text.left(), text.top() + lineHeight + 2), tile.detail);
     }
 }
 

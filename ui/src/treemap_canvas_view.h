@@ -8,6 +8,7 @@
 #include "ui/src/storage_canvas.h"
 
 #include <QImage>
+#include <QStaticText>
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 #include <array>
@@ -35,9 +36,9 @@ protected:
 private:
     // Drawing facts of one tile, parallel to m_nodes.
     struct Tile {
-        QString name;   ///< display name (empty for tiles too small for text)
-        QString detail; ///< "size • share" (empty for tiles too small for it)
-        QColor color;   ///< category colour
+        QStaticText name;   ///< elided display name (empty for tiles too small for text)
+        QStaticText detail; ///< elided "size • share" (empty for tiles too small for it)
+        QColor color;       ///< category colour
         FileCategory category;
     };
     void paintTile(QPainter* painter, const TreemapNode& node, const Tile& tile, bool hovered,
