@@ -209,6 +209,18 @@ private slots:
         QVERIFY(!rationale->isVisible());
     }
 
+    void keysMoveTheSelectionZoomAndGoUp() {
+        QTRY_VERIFY(m_view->rootObject()->hasActiveFocus());
+        QTest::keyClick(m_view.get(), Qt::Key_Right);
+        QCOMPARE(m_navigator->selectedItem(), childNamed(m_root, "Videos"));
+        QTest::keyClick(m_view.get(), Qt::Key_Down);
+        QCOMPARE(m_navigator->selectedItem(), childNamed(m_root, "Projects"));
+        QTest::keyClick(m_view.get(), Qt::Key_Return);
+        QCOMPARE(m_navigator->currentFolder(), childNamed(m_root, "Projects"));
+        QTest::keyClick(m_view.get(), Qt::Key_Backspace);
+        QCOMPARE(m_navigator->currentFolder(), m_root);
+    }
+
     // Writes treemap.png and rings.png of a real scanned folder into the folder named by
     // SONDREL_SCREENSHOT_DIR (skipped when unset); SONDREL_SCREENSHOT_SOURCE names the folder
     // to scan (default /usr/share). Only reads the scanned folder.
