@@ -107,9 +107,16 @@ QString AppRoot::diskStripText() const {
     if (disk.value(QStringLiteral("totalBytes")).toDouble() <= 0) {
         return {};
     }
-    return QStringLiteral("Disk: %1 used / %2 free")
-        .arg(disk.value(QStringLiteral("formattedUsed")).toString(),
-             disk.value(QStringLiteral("formattedFree")).toString());
+    return QStringLiteral("Disk: %1 used")
+        .arg(disk.value(QStringLiteral("formattedUsed")).toString());
+}
+
+QString AppRoot::diskFreeStripText() const {
+    const QVariantMap disk = section(m_systemMonitor->overview(), "disk");
+    if (disk.value(QStringLiteral("totalBytes")).toDouble() <= 0) {
+        return {};
+    }
+    return QStringLiteral("%1 free").arg(disk.value(QStringLiteral("formattedFree")).toString());
 }
 
 QString AppRoot::availableStripText() const {

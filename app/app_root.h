@@ -59,6 +59,7 @@ class AppRoot : public QObject {
     Q_PROPERTY(QVariantList scanTargets READ scanTargets NOTIFY scanTargetsChanged)
     /// The sidebar strip's lines, from the monitor's last sample ("" before the first one).
     Q_PROPERTY(QString diskStripText READ diskStripText NOTIFY stripChanged)
+    Q_PROPERTY(QString diskFreeStripText READ diskFreeStripText NOTIFY stripChanged)
     Q_PROPERTY(QString availableStripText READ availableStripText NOTIFY stripChanged)
     Q_PROPERTY(QString ramStripText READ ramStripText NOTIFY stripChanged)
     /// Used share of the disk, 0..1 (0 before the first sample).
@@ -91,7 +92,9 @@ public:
     const QString& selectedTargetFolder() const { return m_selectedTargetFolder; }
     const QVariantList& scanTargets() const { return m_scanTargets; }
 
+    /// "Disk: 120 GB used" and "130 GB free"; "" before the first sample.
     QString diskStripText() const;
+    QString diskFreeStripText() const;
     QString availableStripText() const;
     QString ramStripText() const;
     double diskUsedFraction() const;

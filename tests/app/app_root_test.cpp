@@ -136,6 +136,8 @@ private slots:
         QVERIFY(m_root->ramStripText().startsWith(QStringLiteral("RAM: ")));
         QVERIFY(m_root->ramStripText().endsWith(QLatin1Char('%')));
         QVERIFY(m_root->diskStripText().startsWith(QStringLiteral("Disk: ")));
+        QVERIFY(m_root->diskStripText().endsWith(QStringLiteral(" used")));
+        QVERIFY(m_root->diskFreeStripText().endsWith(QStringLiteral(" free")));
         QVERIFY(m_root->availableStripText().startsWith(QStringLiteral("Total Available: ")));
         QVERIFY(!m_root->systemMonitor()->isMonitoring());
     }

@@ -24,14 +24,28 @@ Card {
                 name: "internaldrive.fill"
                 color: strip.theme.accent
                 size: 15
+                Layout.alignment: Qt.AlignTop
             }
-            Text {
-                objectName: "diskStripText"
-                text: strip.appRoot.diskStripText.length > 0 ? strip.appRoot.diskStripText : "Disk: …"
-                color: strip.theme.textPrimary
-                font.pixelSize: 11
+            ColumnLayout {
+                spacing: 1
                 Layout.fillWidth: true
-                wrapMode: Text.Wrap
+                Text {
+                    objectName: "diskStripText"
+                    text: strip.appRoot.diskStripText.length > 0 ? strip.appRoot.diskStripText
+                                                                 : "Disk: …"
+                    color: strip.theme.textPrimary
+                    font.pixelSize: 11
+                    Layout.fillWidth: true
+                    elide: Text.ElideRight
+                }
+                Text {
+                    objectName: "diskFreeStripText"
+                    text: strip.appRoot.diskFreeStripText
+                    color: strip.theme.textSecondary
+                    font.pixelSize: 11
+                    Layout.fillWidth: true
+                    elide: Text.ElideRight
+                }
             }
         }
 
