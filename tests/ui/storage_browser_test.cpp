@@ -9,12 +9,15 @@
 #include "ui/src/treemap_canvas_view.h"
 
 #include <QColor>
+#include <QMimeData>
 #include <QQmlEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickImageProvider>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <memory>
 #include <vector>
@@ -219,6 +222,52 @@ private slots:
         QCOMPARE(m_navigator->currentFolder(), childNamed(m_root, "Projects"));
         QTest::keyClick(m_view.get(), Qt::Key_Backspace);
         QCOMPARE(m_navigator->currentFolder(), m_root);
+    }
+
+    void contextMenuTrashesThroughTheNavigator() {
+        TreemapCanvasView* canvas = showTreemap();
+        QVERIFY(canvas != nullptr);
+        std::vector<std::string> trashed;
+        m_navigator->setTrasher([&](const std::string& path) {
+            trashed.push_back(path);
+            return true;
+        });
+        QSignalSpy menu(canvas, &StorageCanvas::contextMenuRequested);
+        const FileItem videos = childNamed(m_root, "Videos");
+        QTest::mouseClick(m_view.get(), Qt::RightButton, {}, scenePoint(canvas, videos));
+        QCOMPARE(menu.count(), 1);
+        QVERIFY(canvas->contextIsDirectory());
+        QVERIFY(!canvas->contextIsApplication()); // no application catalogue in this test
+        canvas->trashContextItem();
+        QCOMPARE(trashed, std::vector<std::string>{"/scan/home/Videos"});
+        QCOMPARE(canvas->shapeCount(), 3);
+        QCOMPARE(canvas->centerOf(videos), QPointF(-1, -1)); // its tile is gone
+        QTest::keyClick(m_view.get(), Qt::Key_Escape);       // closes the menu
+    }
+
+    void droppedFolderIsReportedAndOtherDropsIgnored() {
+        auto* canvas = find<ColorRingsCanvasView>("ringsCanvas");
+        QVERIFY(canvas != nullptr);
+        QTemporaryDir folder;
+        QVERIFY(folder.isValid());
+        QSignalSpy dropped(m_view->rootObject(), SIGNAL(folderDropped(QString)));
+        const QPoint at = canvas->mapToScene({canvas->width() / 4, canvas->height() / 4}).toPoint();
+        const auto drop = [&](const QList<QUrl>& urls) {
+            QMimeData mime;
+            mime.setUrls(urls);
+            QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(m_view.get(), &enter);
+            const bool targeted = canvas->isTargetedForDrop();
+            QDropEvent dropEvent(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(m_view.get(), &dropEvent);
+            return targeted;
+        };
+        QVERIFY(!drop({QUrl(QStringLiteral("https://example.org/folder"))}));
+        QCOMPARE(dropped.count(), 0);
+        QVERIFY(drop({QUrl::fromLocalFile(folder.path())}));
+        QCOMPARE(dropped.count(), 1);
+        QCOMPARE(dropped.front().front().toString(), folder.path());
+        QVERIFY(!canvas->isTargetedForDrop());
     }
 
     // Writes treemap.png and rings.png of a real scanned folder into the folder named by
