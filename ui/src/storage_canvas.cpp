@@ -192,10 +192,6 @@ FileItem StorageCanvas::hoveredItem() const {
     return m_hovered >= 0 && m_hovered < shapeCountImpl() ? itemOfShape(m_hovered) : FileItem{};
 }
 
-bool StorageCanvas::isSelected(const FileItem& item) const {
-    return m_navigator && m_navigator->hasSelection() && m_navigator->selectedItem() == item;
-}
-
 QColor StorageCanvas::themeColor(const char* role, const QColor& fallback) const {
     if (!m_theme) {
         return fallback;
@@ -270,7 +266,6 @@ void StorageCanvas::setHovered(int index) {
         return;
     }
     m_hovered = index;
-    onHoverChanged();
     emit hoverChanged();
     update();
 }

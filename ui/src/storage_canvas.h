@@ -119,8 +119,6 @@ protected:
     virtual FileItem itemOfShape(int index) const = 0;
     /// Centre of shape `index`.
     virtual QPointF shapeCenter(int index) const = 0;
-    /// Called after the hovered shape changed (before the repaint).
-    virtual void onHoverChanged() {}
     /// Paints every shape in its normal state (into the cached layer, card already drawn).
     virtual void paintShapes(QPainter* painter) const = 0;
     /// Paints the emphasised shapes over the layer; -1 means none.
@@ -132,8 +130,6 @@ protected:
     void ensureShapes() const;
     /// Index of the hovered shape, or -1.
     int hoveredShape() const { return m_hovered; }
-    /// True when `item` is the navigator's selection.
-    bool isSelected(const FileItem& item) const;
     /// A colour of the theme by role name, or `fallback` when the theme lacks it.
     QColor themeColor(const char* role, const QColor& fallback) const;
     /// The card's rounded outline, inset by one point.
