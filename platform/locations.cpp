@@ -50,7 +50,7 @@ std::map<std::string, std::string> processXdgEnvironment() {
 
 std::optional<HomeLayout> homeLayoutFromName(const std::string& name) {
     if (name == "linux") {
-        return HomeLayout::linux;
+        return HomeLayout::xdg;
     }
     if (name == "macos") {
         return HomeLayout::macos;
@@ -72,7 +72,7 @@ std::string currentUserHome() {
 Locations Locations::forLinux(const std::string& rawHome,
                               const std::map<std::string, std::string>& environment) {
     Locations l;
-    l.layout = HomeLayout::linux;
+    l.layout = HomeLayout::xdg;
     l.home = trimTrailingSlashes(rawHome);
     l.cacheHome = absoluteOr(environment, "XDG_CACHE_HOME", joinPath(l.home, ".cache"));
     l.configHome = absoluteOr(environment, "XDG_CONFIG_HOME", joinPath(l.home, ".config"));
@@ -134,7 +134,7 @@ Locations Locations::forHome(const std::string& home, HomeLayout layout) {
 
 std::string Locations::userDir(const std::string& kind) const {
     const std::string fallback = joinPath(home, kind);
-    if (layout != HomeLayout::linux) {
+    if (layout != HomeLayout::xdg) {
         return fallback;
     }
     // user-dirs.dirs holds lines like XDG_DOWNLOAD_DIR="$HOME/Downloads".

@@ -11,14 +11,16 @@
 namespace sondrel {
 
 /// Which operating system's folder layout a home follows.
-enum class HomeLayout : unsigned char { linux, macos };
+/// `xdg` is the Linux (freedesktop XDG) layout; the enumerators avoid the word `linux`, which
+/// some compilers and moc predefine as a macro.
+enum class HomeLayout : unsigned char { xdg, macos };
 
 /// Parses "linux" or "macos"; anything else gives nothing.
 std::optional<HomeLayout> homeLayoutFromName(const std::string& name);
 
 /// The folders of one home. Plain values; build with forLinux, forMacos or forCurrentUser.
 struct Locations {
-    HomeLayout layout = HomeLayout::linux;
+    HomeLayout layout = HomeLayout::xdg;
     std::string home;       ///< the home folder, absolute, no trailing slash
     std::string cacheHome;  ///< ~/.cache or ~/Library/Caches
     std::string configHome; ///< ~/.config or ~/Library/Preferences

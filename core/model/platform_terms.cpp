@@ -9,7 +9,7 @@ TextPlatform currentTextPlatform() {
 #ifdef __APPLE__
     return TextPlatform::macos;
 #else
-    return TextPlatform::linux;
+    return TextPlatform::gnuLinux;
 #endif
 }
 

@@ -8,7 +8,8 @@
 namespace sondrel {
 
 /// Which platform's words a text should use.
-enum class TextPlatform : unsigned char { linux, macos };
+/// `gnuLinux` rather than `linux`, which some compilers and moc predefine as a macro.
+enum class TextPlatform : unsigned char { gnuLinux, macos };
 
 /// The platform this build runs on.
 TextPlatform currentTextPlatform();

@@ -108,7 +108,7 @@ TEST(Judgement, VerdictAndRationaleFollowTheirOwnRuleOrders) {
     for (const JudgementCase& c : cases) {
         EXPECT_EQ(reclaimableStatusFor(c.path), c.status) << c.path;
         const std::string rationale =
-            withPlatformTerms(removalRationaleFor(c.path, c.category), TextPlatform::linux);
+            withPlatformTerms(removalRationaleFor(c.path, c.category), TextPlatform::gnuLinux);
         EXPECT_EQ(rationale.rfind(c.rationaleStart, 0), 0U) << c.path << " -> " << rationale;
     }
 }
@@ -118,10 +118,10 @@ TEST(Judgement, StatusTablesAndPlatformTerms) {
     EXPECT_EQ(displayName(ReclaimableStatus::cautionUserData), "User Data (Caution)");
     EXPECT_EQ(displayName(ReclaimableStatus::systemProtected), "System Managed");
     EXPECT_EQ(iconName(ReclaimableStatus::systemProtected), "lock.shield.fill");
-    EXPECT_EQ(withPlatformTerms("Move to macOS Trash", TextPlatform::linux), "Move to Trash");
-    EXPECT_EQ(withPlatformTerms("Reveal in Finder", TextPlatform::linux), "Reveal in Files");
+    EXPECT_EQ(withPlatformTerms("Move to macOS Trash", TextPlatform::gnuLinux), "Move to Trash");
+    EXPECT_EQ(withPlatformTerms("Reveal in Finder", TextPlatform::gnuLinux), "Reveal in Files");
     EXPECT_EQ(withPlatformTerms("Reveal in Finder", TextPlatform::macos), "Reveal in Finder");
-    EXPECT_EQ(withPlatformTerms("macOS macOS", TextPlatform::linux), "Linux Linux");
+    EXPECT_EQ(withPlatformTerms("macOS macOS", TextPlatform::gnuLinux), "Linux Linux");
 }
 
 } // namespace
