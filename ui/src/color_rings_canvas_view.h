@@ -53,12 +53,13 @@ protected:
     int shapeAt(QPointF point) const override;
     FileItem itemOfShape(int index) const override;
     QPointF shapeCenter(int index) const override;
-    void paintShapes(QPainter* painter) const override;
+    void paintShapes(QPainter* painter, const QColor& background) const override;
     void paintEmphasis(QPainter* painter, int hovered, int selected) const override;
     int selectedShape() const override;
 
 private:
-    void paintSector(QPainter* painter, std::size_t index, bool hovered, bool selected) const;
+    void paintSector(QPainter* painter, std::size_t index, bool hovered, bool selected,
+                     const QColor& background) const;
 
     std::shared_ptr<FileTree> m_tree; // keeps the sectors' nodes alive
     std::vector<SunburstSector> m_sectors;

@@ -1,5 +1,7 @@
 #include "ui/src/storage_canvas.h"
 
+#include "ui/src/serial_painting.h"
+
 #include "app/file_reveal.h"
 #include "app/qt_conversions.h"
 
@@ -206,6 +208,30 @@ QPainterPath StorageCanvas::cardPath() const {
     return path;
 }
 
+void StorageCanvas::renderLayer(QSize pixels, qreal ratio, const QColor& background) {
+    if (m_layer.size() != pixels) {
+        m_layer = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+    }
+    m_layer.setDevicePixelRatio(ratio);
+    m_layer.fill(background);
+    // The shapes are clipped to the card's rectangle (cheap); afterwards only the band along the
+    // card's edge is cut to the rounded outline, so no full-card composition pass is needed.
+    QPainter layer(&m_layer);
+    const QPainterPath card = cardPath();
+    const QRect inner = card.boundingRect().toAlignedRect();
+    layer.setRenderHint(QPainter::Antialiasing, true);
+    layer.setClipRect(card.boundingRect());
+    paintShapes(&layer, background);
+    // Pixels inside both of these rectangles are inside the rounded outline whatever the
+    // radius; everything else (margin, corners) is multiplied by the outline's coverage.
+    const int inset = static_cast<int>(kCornerRadius) + 2;
+    const QRegion solid = QRegion(inner.adjusted(inset, 2, -inset, -2)) +
+                          QRegion(inner.adjusted(2, inset, -2, -inset));
+    layer.setClipRegion(QRegion(QRect(QPoint(0, 0), size().toSize())) - solid);
+    layer.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    layer.fillPath(card, Qt::black);
+}
+
 void StorageCanvas::paint(QPainter* painter) {
     ensureShapes();
     const qreal ratio = painter->device() != nullptr ? painter->device()->devicePixelRatioF() : 1.0;
@@ -214,20 +240,8 @@ void StorageCanvas::paint(QPainter* painter) {
         return;
     }
     if (m_layerDirty || m_layer.size() != pixels) {
-        m_layer = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
-        m_layer.setDevicePixelRatio(ratio);
-        m_layer.fill(Qt::transparent);
-        // The shapes are clipped to the card's rectangle (cheap) and the rounded corners are cut
-        // afterwards in one pass; clipping every shape to the rounded outline costs far more.
-        QPainter layer(&m_layer);
-        const QPainterPath card = cardPath();
-        layer.setRenderHint(QPainter::Antialiasing, true);
-        layer.fillPath(card, themeColor("cardBackground", QColor(0x1b, 0x1e, 0x25)));
-        layer.setClipRect(card.boundingRect());
-        paintShapes(&layer);
-        layer.setClipping(false);
-        layer.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-        layer.fillPath(card, Qt::black);
+        const QColor card = themeColor("cardBackground", QColor(0x1b, 0x1e, 0x25));
+        runWithoutParallelFills([this, pixels, ratio, card] { renderLayer(pixels, ratio, card); });
         m_layerDirty = false;
     }
     painter->drawImage(QPointF(0, 0), m_layer);

@@ -119,8 +119,10 @@ protected:
     virtual FileItem itemOfShape(int index) const = 0;
     /// Centre of shape `index`.
     virtual QPointF shapeCenter(int index) const = 0;
-    /// Paints every shape in its normal state (into the cached layer, card already drawn).
-    virtual void paintShapes(QPainter* painter) const = 0;
+    /// Paints every shape in its normal state into the cached layer, where the card is already
+    /// filled with `background` (so a translucent shape may be drawn pre-blended and opaque).
+    /// Runs on a Qt pool thread while the painting thread waits.
+    virtual void paintShapes(QPainter* painter, const QColor& background) const = 0;
     /// Paints the emphasised shapes over the layer; -1 means none.
     virtual void paintEmphasis(QPainter* painter, int hovered, int selected) const = 0;
     /// Index of the shape of the navigator's selection, or -1.
@@ -164,6 +166,9 @@ private:
     mutable bool m_dirty = true;
     mutable std::vector<FileItem> m_filtered;
     mutable std::size_t m_childCount = 0;
+    // Renders m_layer: the card in `background`, every shape in its normal state, the rounded
+    // corners cut. Runs on a Qt pool thread while paint() waits (see serial_painting.h).
+    void renderLayer(QSize pixels, qreal ratio, const QColor& background);
     // The shapes in their normal state, in device pixels; rebuilt when m_layerDirty.
     QImage m_layer;
     bool m_layerDirty = true;
