@@ -23,6 +23,7 @@ cleanup() {
   [[ -n $polkitd_pid ]] && kill "$polkitd_pid" 2>/dev/null || true
   if [[ $started_bus == 1 && -f /run/dbus/pid ]]; then kill "$(cat /run/dbus/pid)" 2>/dev/null || true; rm -f /run/dbus/pid; fi
   rm -f "$rule" "$policy" "$helper"
+  rmdir "$(dirname "$helper")" 2>/dev/null || true
   userdel -r "$user" >/dev/null 2>&1 || true
 }
 trap cleanup EXIT
