@@ -68,17 +68,26 @@ void ColorRingsCanvasView::computeShapes(const std::vector<FileItem>& items, QSi
     m_radius = ringRadius(size.width(), size.height());
     m_centre = {size.width() / 2, size.height() / 2};
     m_sectors.clear();
-    m_paths.clear();
+    for (std::vector<QPainterPath>& paths : m_paths) {
+        paths.clear();
+    }
+    m_bounds.clear();
     if (!folder || m_radius <= 0) {
         return;
     }
     m_sectors = computeSunburstSectors(nodes, folder.size());
-    m_paths.reserve(m_sectors.size());
     const LayoutRect canvas{0, 0, size.width(), size.height()};
-    for (const SunburstSector& s : m_sectors) {
-        const AnnularSectorShape shape{s.startAngle, s.endAngle, s.innerRadiusRatio * m_radius,
-                                       s.outerRadiusRatio * m_radius};
-        m_paths.push_back(outlinePath(shape.outline(canvas)));
+    for (std::vector<QPainterPath>& paths : m_paths) {
+        paths.reserve(m_sectors.size());
+        for (const SunburstSector& s : m_sectors) {
+            const AnnularSectorShape shape{s.startAngle, s.endAngle, s.innerRadiusRatio * m_radius,
+                                           s.outerRadiusRatio * m_radius};
+            paths.push_back(outlinePath(shape.outline(canvas)));
+        }
+    }
+    m_bounds.reserve(m_sectors.size());
+    for (const QPainterPath& path : m_paths[0]) {
+        m_bounds.push_back(path.boundingRect());
     }
 }
 
@@ -118,10 +127,16 @@ int ColorRingsCanvasView::selectedShape() const {
     return -1;
 }
 
-void ColorRingsCanvasView::paintShapes(QPainter* painter, const QColor& background) const {
+void ColorRingsCanvasView::paintShapes(QPainter* painter, const QColor& background,
+                                       int band) const {
     painter->setRenderHint(QPainter::Antialiasing, true);
+    // Qt rasterises a whole outline even where it is clipped away, so a band skips the sectors
+    // that lie entirely outside it.
+    const QRectF visible = painter->clipBoundingRect();
     for (std::size_t i = 0; i < m_sectors.size(); ++i) {
-        paintSector(painter, i, false, false, background);
+        if (m_bounds[i].intersects(visible)) {
+            paintSector(painter, i, false, false, background, band);
+        }
     }
 }
 
@@ -132,17 +147,17 @@ void ColorRingsCanvasView::paintEmphasis(QPainter* painter, int hovered, int sel
             continue;
         }
         const auto i = static_cast<std::size_t>(index);
-        paintSector(painter, i, index == hovered, index == selected, {});
+        paintSector(painter, i, index == hovered, index == selected, {}, 0);
         painter->setBrush(Qt::NoBrush);
         painter->setPen(QPen(index == selected ? themeColor("textPrimary", Qt::white)
                                                : QColor(255, 255, 255, 170),
                              index == selected ? 2.0 : 1.5));
-        painter->drawPath(m_paths[i]);
+        painter->drawPath(m_paths[0][i]);
     }
 }
 
 void ColorRingsCanvasView::paintSector(QPainter* painter, std::size_t index, bool hovered,
-                                       bool selected, const QColor& background) const {
+                                       bool selected, const QColor& background, int band) const {
     const SunburstSector& s = m_sectors[index];
     QColor base = toQColor(s.color);
     if (hovered || selected) {
@@ -178,7 +193,7 @@ void ColorRingsCanvasView::paintSector(QPainter* painter, std::size_t index, boo
     gradient.setColorAt(1.0, outer);
     painter->setPen(Qt::NoPen);
     painter->setBrush(gradient);
-    painter->drawPath(m_paths[index]);
+    painter->drawPath(m_paths[static_cast<std::size_t>(band)][index]);
 }
 
 bool ColorRingsCanvasView::hudIsHover() const {

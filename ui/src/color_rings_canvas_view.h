@@ -10,6 +10,7 @@
 
 #include <QPainterPath>
 #include <QtQml/qqmlregistration.h>
+#include <array>
 #include <vector>
 
 namespace sondrel {
@@ -53,17 +54,27 @@ protected:
     int shapeAt(QPointF point) const override;
     FileItem itemOfShape(int index) const override;
     QPointF shapeCenter(int index) const override;
-    void paintShapes(QPainter* painter, const QColor& background) const override;
+    void paintShapes(QPainter* painter, const QColor& background, int band) const override;
+    int layerBands() const override { return kLayerBands; }
     void paintEmphasis(QPainter* painter, int hovered, int selected) const override;
     int selectedShape() const override;
 
 private:
+    // Paints sector `index` with band `band`'s copy of its outline; `background` is the opaque
+    // colour beneath it (pre-blended shading) or invalid to paint translucent colours.
     void paintSector(QPainter* painter, std::size_t index, bool hovered, bool selected,
-                     const QColor& background) const;
+                     const QColor& background, int band) const;
+
+    // The cached layer is painted in two bands at once (one per core of the machines we aim at;
+    // four bands measured no better).
+    static constexpr int kLayerBands = 2;
 
     std::shared_ptr<FileTree> m_tree; // keeps the sectors' nodes alive
     std::vector<SunburstSector> m_sectors;
-    std::vector<QPainterPath> m_paths; // one outline per sector
+    // One outline per sector, built separately for every band: a QPainterPath fills caches
+    // lazily when drawn, so bands painting at the same time must not share one.
+    std::array<std::vector<QPainterPath>, kLayerBands> m_paths;
+    std::vector<QRectF> m_bounds; // each outline's bounding rectangle
     LayoutPoint m_centre;
     double m_radius = 0.0;
 };

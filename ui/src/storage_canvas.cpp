@@ -10,7 +10,9 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPainterPath>
+#include <algorithm>
 #include <array>
+#include <functional>
 
 namespace sondrel {
 
@@ -213,20 +215,46 @@ void StorageCanvas::renderLayer(QSize pixels, qreal ratio, const QColor& backgro
         m_layer = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
     }
     m_layer.setDevicePixelRatio(ratio);
-    m_layer.fill(background);
-    // The shapes are clipped to the card's rectangle (cheap); afterwards only the band along the
-    // card's edge is cut to the rounded outline, so no full-card composition pass is needed.
-    QPainter layer(&m_layer);
+    // Horizontal bands of the layer, each painted through its own image over the layer's rows
+    // (a painter per image), on as many pool threads as are free.
+    uchar* const rows = m_layer.bits();
+    const qsizetype stride = m_layer.bytesPerLine();
+    const int bands = std::clamp(layerBands(), 1, pixels.height());
+    const QRectF card = cardPath().boundingRect();
+    std::vector<std::function<void()>> jobs;
+    for (int band = 0; band < bands; ++band) {
+        const int top = pixels.height() * band / bands;
+        const int bottom = pixels.height() * (band + 1) / bands;
+        jobs.emplace_back([=, this] {
+            QImage view(rows + top * stride, pixels.width(), bottom - top, stride,
+                        QImage::Format_ARGB32_Premultiplied);
+            view.setDevicePixelRatio(ratio);
+            view.fill(background);
+            QPainter painter(&view);
+            painter.setRenderHint(QPainter::Antialiasing, true);
+            painter.translate(0, -top / ratio);
+            // The shapes are clipped to the card's rectangle within the band (cheap; shapes may
+            // skip themselves by the clip's bounds); the rounded corners are cut afterwards.
+            painter.setClipRect(
+                card.intersected(QRectF(0, top / ratio, card.right() + 1, (bottom - top) / ratio)));
+            paintShapes(&painter, background, band);
+        });
+    }
+    runJobsWithoutParallelFills(jobs);
+    runWithoutParallelFills([this] { cutCorners(); });
+}
+
+void StorageCanvas::cutCorners() {
+    // Pixels inside both of these rectangles are inside the rounded outline whatever the
+    // radius; everything else (margin, corners) is multiplied by the outline's coverage, so no
+    // full-card composition pass is needed.
     const QPainterPath card = cardPath();
     const QRect inner = card.boundingRect().toAlignedRect();
-    layer.setRenderHint(QPainter::Antialiasing, true);
-    layer.setClipRect(card.boundingRect());
-    paintShapes(&layer, background);
-    // Pixels inside both of these rectangles are inside the rounded outline whatever the
-    // radius; everything else (margin, corners) is multiplied by the outline's coverage.
     const int inset = static_cast<int>(kCornerRadius) + 2;
     const QRegion solid = QRegion(inner.adjusted(inset, 2, -inset, -2)) +
                           QRegion(inner.adjusted(2, inset, -2, -inset));
+    QPainter layer(&m_layer);
+    layer.setRenderHint(QPainter::Antialiasing, true);
     layer.setClipRegion(QRegion(QRect(QPoint(0, 0), size().toSize())) - solid);
     layer.setCompositionMode(QPainter::CompositionMode_DestinationIn);
     layer.fillPath(card, Qt::black);
@@ -241,7 +269,7 @@ void StorageCanvas::paint(QPainter* painter) {
     }
     if (m_layerDirty || m_layer.size() != pixels) {
         const QColor card = themeColor("cardBackground", QColor(0x1b, 0x1e, 0x25));
-        runWithoutParallelFills([this, pixels, ratio, card] { renderLayer(pixels, ratio, card); });
+        renderLayer(pixels, ratio, card);
         m_layerDirty = false;
     }
     painter->drawImage(QPointF(0, 0), m_layer);

@@ -119,10 +119,16 @@ protected:
     virtual FileItem itemOfShape(int index) const = 0;
     /// Centre of shape `index`.
     virtual QPointF shapeCenter(int index) const = 0;
-    /// Paints every shape in its normal state into the cached layer, where the card is already
-    /// filled with `background` (so a translucent shape may be drawn pre-blended and opaque).
-    /// Runs on a Qt pool thread while the painting thread waits.
-    virtual void paintShapes(QPainter* painter, const QColor& background) const = 0;
+    /// Paints every shape in its normal state into horizontal band `band` of the cached layer
+    /// (the painter is clipped and translated to it; shapes outside painter->clipBoundingRect()
+    /// may be skipped), where the card is already filled with
+    /// `background` (so a translucent shape may be drawn pre-blended and opaque). Runs on a Qt
+    /// pool thread while the painting thread waits; with layerBands() > 1 the bands run at the
+    /// same time, so each band may only read shared state, and objects with lazy caches
+    /// (QPainterPath, QStaticText) must be the band's own.
+    virtual void paintShapes(QPainter* painter, const QColor& background, int band) const = 0;
+    /// Number of bands the cached layer is painted in (1 by default: no concurrency).
+    virtual int layerBands() const { return 1; }
     /// Paints the emphasised shapes over the layer; -1 means none.
     virtual void paintEmphasis(QPainter* painter, int hovered, int selected) const = 0;
     /// Index of the shape of the navigator's selection, or -1.
@@ -167,8 +173,10 @@ private:
     mutable std::vector<FileItem> m_filtered;
     mutable std::size_t m_childCount = 0;
     // Renders m_layer: the card in `background`, every shape in its normal state, the rounded
-    // corners cut. Runs on a Qt pool thread while paint() waits (see serial_painting.h).
+    // corners cut. The painting runs on Qt pool threads while paint() waits (serial_painting.h).
     void renderLayer(QSize pixels, qreal ratio, const QColor& background);
+    // Makes the layer's margin and rounded corners transparent.
+    void cutCorners();
     // The shapes in their normal state, in device pixels; rebuilt when m_layerDirty.
     QImage m_layer;
     bool m_layerDirty = true;

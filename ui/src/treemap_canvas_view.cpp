@@ -104,7 +104,8 @@ int TreemapCanvasView::selectedShape() const {
     return -1;
 }
 
-void TreemapCanvasView::paintShapes(QPainter* painter, const QColor& /*background*/) const {
+void TreemapCanvasView::paintShapes(QPainter* painter, const QColor& /*background*/,
+                                    int /*band*/) const {
     // Small tiles first without antialiasing (plain pixel rectangles fill fastest), then the
     // large ones with it. Tiles never overlap, so the order does not change the picture.
     const auto isSmall = [](const TreemapNode& node) {

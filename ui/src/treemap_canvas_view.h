@@ -29,7 +29,7 @@ protected:
     int shapeAt(QPointF point) const override;
     FileItem itemOfShape(int index) const override;
     QPointF shapeCenter(int index) const override;
-    void paintShapes(QPainter* painter, const QColor& background) const override;
+    void paintShapes(QPainter* painter, const QColor& background, int band) const override;
     void paintEmphasis(QPainter* painter, int hovered, int selected) const override;
     int selectedShape() const override;
 
