@@ -9,6 +9,7 @@
 #include "ui/src/treemap_canvas_view.h"
 
 #include <QColor>
+#include <QImage>
 #include <QMimeData>
 #include <QQmlEngine>
 #include <QQmlExtensionPlugin>
@@ -19,7 +20,10 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <algorithm>
+#include <cstdlib>
 #include <memory>
+#include <string>
 #include <vector>
 
 Q_IMPORT_QML_PLUGIN(SondrelPlugin)
@@ -174,6 +178,53 @@ private slots:
         QTest::mouseDClick(m_view.get(), Qt::LeftButton, {}, scenePoint(canvas, videos));
         QCOMPARE(m_navigator->currentFolder(), videos);
         QCOMPARE(m_navigator->details()->breadcrumbNames(), (QStringList{"home", "Videos"}));
+    }
+
+    // The rings' cached layer is painted in horizontal bands on several threads: every sector
+    // must be painted, and nothing may jump where the bands meet.
+    void ringsArePaintedWholeAcrossTheBands() {
+        auto* canvas = find<ColorRingsCanvasView>("ringsCanvas");
+        QVERIFY(canvas != nullptr);
+        QTRY_VERIFY(canvas->shapeCount() > 0);
+        const QImage shot = m_view->grabWindow().convertToFormat(QImage::Format_RGB32);
+        const QRgb card = m_theme->property("cardBackground").value<QColor>().rgb();
+        for (const FileItem& item : canvas->filteredItems()) {
+            if (canvas->centerOf(item).x() >= 0) {
+                QVERIFY2(shot.pixel(scenePoint(canvas, item)) != card,
+                         std::string(item.name()).c_str());
+            }
+        }
+        // Where the middle row of the canvas (the bands' seam) crosses a sector away from its
+        // edges, the shading changes by a level or two per row; a band painted off by a row or
+        // not at all changes it by far more.
+        const QPointF origin = canvas->mapToScene({0, 0});
+        const int seam = static_cast<int>(canvas->height() / 2);
+        const auto sectorAround = [canvas](int x, int y) {
+            const FileItem item = canvas->itemAt({x + 0.5, y + 0.5});
+            for (int dy = -2; dy <= 2; ++dy) {
+                for (int dx = -2; dx <= 2; ++dx) {
+                    if (canvas->itemAt({x + dx + 0.5, y + dy + 0.5}) != item) {
+                        return FileItem{};
+                    }
+                }
+            }
+            return item;
+        };
+        const auto jump = [](QRgb a, QRgb b) {
+            return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
+                             std::abs(qBlue(a) - qBlue(b))});
+        };
+        int checked = 0;
+        for (int x = 2; x < canvas->width() - 2; ++x) {
+            if (!sectorAround(x, seam)) {
+                continue;
+            }
+            const QPoint at = (origin + QPointF(x, seam)).toPoint();
+            QVERIFY2(jump(shot.pixel(at - QPoint(0, 1)), shot.pixel(at)) <= 12,
+                     qPrintable(QString::number(x)));
+            ++checked;
+        }
+        QVERIFY(checked > 100);
     }
 
     void hoverFollowsThePointerAndTheHoleClearsIt() {
