@@ -60,6 +60,11 @@ struct Scene {
     }
 };
 
+// Wall-clock time, with the CPU time of every thread of the process beside it.
+void wallClock(benchmark::internal::Benchmark* benchmark) {
+    benchmark->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+}
+
 template <typename Canvas>
 void repaint(benchmark::State& state, int children, int grandchildren, int depth, bool full) {
     Scene scene(children, grandchildren, depth);
@@ -90,36 +95,24 @@ void repaint(benchmark::State& state, int children, int grandchildren, int depth
 void BM_TreemapFullRepaint(benchmark::State& state) {
     repaint<TreemapCanvasView>(state, 5'000, 0, 0, true);
 }
-BENCHMARK(BM_TreemapFullRepaint)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
+BENCHMARK(BM_TreemapFullRepaint)->Apply(wallClock);
 
 void BM_TreemapHoverRepaint(benchmark::State& state) {
     repaint<TreemapCanvasView>(state, 5'000, 0, 0, false);
 }
-BENCHMARK(BM_TreemapHoverRepaint)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
+BENCHMARK(BM_TreemapHoverRepaint)->Apply(wallClock);
 
 // 18 folders of 30 folders of 30 files: the middle ring as full as its 0.6 degree minimum sweep
 // allows (the minimum sweeps cap a ring view at roughly 1,400 sectors).
 void BM_ColorRingsFullRepaint(benchmark::State& state) {
     repaint<ColorRingsCanvasView>(state, 18, 30, 2, true);
 }
-BENCHMARK(BM_ColorRingsFullRepaint)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
+BENCHMARK(BM_ColorRingsFullRepaint)->Apply(wallClock);
 
 void BM_ColorRingsHoverRepaint(benchmark::State& state) {
     repaint<ColorRingsCanvasView>(state, 18, 30, 2, false);
 }
-BENCHMARK(BM_ColorRingsHoverRepaint)
-    ->Unit(benchmark::kMillisecond)
-    ->MeasureProcessCPUTime()
-    ->UseRealTime();
+BENCHMARK(BM_ColorRingsHoverRepaint)->Apply(wallClock);
 
 } // namespace
 

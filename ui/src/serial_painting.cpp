@@ -8,11 +8,14 @@
 namespace sondrel {
 
 void runJobsWithoutParallelFills(const std::vector<std::function<void()>>& jobs) {
-    QThreadPool* pool = QThreadPool::globalInstance();
-    if (pool == nullptr || pool->contains(QThread::currentThread())) {
+    const auto runAllHere = [&jobs] {
         for (const std::function<void()>& job : jobs) {
             job();
         }
+    };
+    QThreadPool* pool = QThreadPool::globalInstance();
+    if (pool == nullptr || pool->contains(QThread::currentThread())) {
+        runAllHere();
         return;
     }
     std::atomic<std::size_t> next{0};
@@ -31,9 +34,7 @@ void runJobsWithoutParallelFills(const std::vector<std::function<void()>>& jobs)
         ++started;
     }
     if (started == 0) {
-        for (const std::function<void()>& job : jobs) {
-            job();
-        }
+        runAllHere();
         return;
     }
     finished.acquire(started);

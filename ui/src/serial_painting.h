@@ -16,8 +16,9 @@ namespace sondrel {
 /// repaint measured 49 ms instead of 13 ms). Qt skips the split when the painting thread already
 /// belongs to that pool, so the jobs run on its threads while the caller waits.
 ///
-/// Jobs must only paint on images (no QPixmap, no GUI-thread objects) and must not share
-/// objects with lazily filled caches (QPainterPath, QStaticText) with each other. Jobs that find
+/// Jobs must only paint on images (no QPixmap), may only read GUI-thread objects (the GUI
+/// thread is blocked while a QQuickPaintedItem paints) and must not share objects with lazily
+/// filled caches (QPainterPath, QStaticText) with each other. Jobs that find
 /// no free thread are run by the jobs that did start; when none could start (or the caller is a
 /// pool thread already) all run on the calling thread, one after another. Blocking: call it from
 /// paint(), never while holding a lock a job needs.

@@ -235,8 +235,8 @@ void StorageCanvas::renderLayer(QSize pixels, qreal ratio, const QColor& backgro
             painter.translate(0, -top / ratio);
             // The shapes are clipped to the card's rectangle within the band (cheap; shapes may
             // skip themselves by the clip's bounds); the rounded corners are cut afterwards.
-            painter.setClipRect(
-                card.intersected(QRectF(0, top / ratio, card.right() + 1, (bottom - top) / ratio)));
+            painter.setClipRect(card.intersected(
+                QRectF(card.left(), top / ratio, card.width(), (bottom - top) / ratio)));
             paintShapes(&painter, background, band);
         });
     }
