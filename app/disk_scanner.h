@@ -14,8 +14,8 @@
 // worker, and queued calls to a destroyed object are dropped by Qt.
 
 #include "core/model/file_item.h"
-#include "core/scan/cancel_token.h"
 #include "core/scan/tree_scan.h"
+#include "core/util/cancel_token.h"
 
 #include <QObject>
 #include <QString>

@@ -1,8 +1,8 @@
 #include "core/scan/tree_scan.h"
 
+#include "core/fs/parallel_walk.h"
 #include "core/model/file_category.h"
-#include "core/scan/folder_walk.h"
-#include "core/scan/foreign_mounts.h"
+#include "core/scan/size_tree_visitor.h"
 #include "core/util/path_text.h"
 
 #include <cerrno>
@@ -18,47 +18,6 @@ namespace sondrel {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// Drops unreadable folders, sums sizes and counts bottom-up and sorts every child list.
-void finishTree(FileNode* root) {
-    struct Frame {
-        FileNode* node;
-        bool childrenDone;
-    };
-    std::vector<Frame> stack{{root, false}};
-    std::vector<FileNode*> children;
-    while (!stack.empty()) {
-        const std::size_t top = stack.size() - 1;
-        FileNode* node = stack[top].node;
-        if (!stack[top].childrenDone) {
-            stack[top].childrenDone = true;
-            for (FileNode* child = node->firstChild; child != nullptr; child = child->nextSibling) {
-                if (child->isDirectory() && child->firstChild != nullptr) {
-                    stack.push_back({child, false});
-                }
-            }
-            continue;
-        }
-        stack.pop_back();
-        children.clear();
-        std::int64_t size = 0;
-        std::int64_t files = 0;
-        for (FileNode* child = node->firstChild; child != nullptr; child = child->nextSibling) {
-            if (child->fileCount == kUnreadableFolder) {
-                continue;
-            }
-            children.push_back(child);
-            if (__builtin_add_overflow(size, child->size, &size) ||
-                __builtin_add_overflow(files, child->fileCount, &files)) {
-                std::abort(); // 2^63 bytes: the tree is corrupt, not a real disk
-            }
-        }
-        sortBySizeDescending(children);
-        setChildren(node, children);
-        node->size = size;
-        node->fileCount = files;
-    }
-}
 
 // The root node's name: the last component, or the whole path for "/".
 std::string_view rootNodeName(const std::string& root) {
@@ -95,31 +54,24 @@ ScanResult scanTree(const std::string& rootPath, const ScanOptions& options,
         return result;
     }
 
-    ForeignMounts mounts;
-    bool checkMounts = false;
-    if (!options.enterForeignFilesystems) {
-        mounts = foreignMounts();
-        char* real = realpath(root.c_str(), nullptr);
-        checkMounts = real == nullptr || mounts.anyBelow(real);
-        std::free(real);
-        // The file system the root itself lies on is always walked (scanning /sys or /proc on
-        // purpose); only other foreign mounts below it are left out.
-        struct stat rootInfo {};
-        if (fstat(fd, &rootInfo) == 0) {
-            mounts.devices.erase(static_cast<std::uint64_t>(rootInfo.st_dev));
-        }
+    WalkOptions walkOptions;
+    walkOptions.skipHidden = true;
+    walkOptions.threads = options.threads;
+    walkOptions.enterForeignFilesystems = options.enterForeignFilesystems;
+    walkOptions.progressIntervalSeconds = options.progressIntervalSeconds;
+    if (options.onProgress) {
+        walkOptions.onProgress = [&options](const WalkProgress& progress) {
+            options.onProgress(ScanProgress{progress.items, progress.bytes, progress.currentPath});
+        };
     }
-    FolderWalk walk =
-        walkFolder(fd, root, rootNodeName(root), options, cancel, std::move(mounts), checkMounts);
-    finishTree(walk.root);
+    SizeTreeVisitor visitor(rootNodeName(root), options.maxDepth);
+    const WalkOutcome walk =
+        walkTreeAt(fd, root, visitor.rootToken(), walkOptions, visitor, cancel);
     auto tree = std::make_shared<FileTree>(root);
-    for (NodeArena& arena : walk.arenas) {
-        tree->adopt(std::move(arena));
-    }
-    tree->setRoot(walk.root);
+    const std::int64_t duplicateBytes = visitor.finish(*tree);
     result.tree = std::move(tree);
     result.items = walk.items;
-    result.bytes = walk.bytes;
+    result.bytes = walk.bytes - duplicateBytes;
     result.cancelled = cancel.isCancelled();
     result.elapsedSeconds = std::chrono::duration<double>(Clock::now() - start).count();
     return result;

@@ -27,7 +27,7 @@
 
 #include "core/model/file_item.h"
 #include "core/model/file_tree.h"
-#include "core/scan/cancel_token.h"
+#include "core/util/cancel_token.h"
 
 #include <cstdint>
 #include <functional>

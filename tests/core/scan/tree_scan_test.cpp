@@ -2,7 +2,7 @@
 // collapse, hidden names, links, bundles, hard links, unreadable folders, odd names), ordering,
 // cancellation, and totals against an independent walk.
 
-#include "core/scan/foreign_mounts.h"
+#include "core/fs/mount_table.h"
 #include "core/scan/tree_scan.h"
 #include "tests/support/temp_dir.h"
 
@@ -458,9 +458,12 @@ TEST(TreeScan, ProgressIsPublishedAtMostEveryEightyMilliseconds) {
 }
 
 TEST(TreeScan, ForeignFilesystemsBelowTheRootAreEmptyFolders) {
-    const ForeignMounts mounts = foreignMounts();
-    if (std::find(mounts.mountPoints.begin(), mounts.mountPoints.end(), "/dev/pts") ==
-        mounts.mountPoints.end()) {
+    const MountTable table = MountTable::read();
+    std::vector<std::string> mountPoints;
+    for (const MountEntry& entry : table.entries()) {
+        mountPoints.push_back(entry.mountPoint);
+    }
+    if (table.atMountPoint("/dev/pts") == nullptr) {
         GTEST_SKIP() << "no devpts mount at /dev/pts here";
     }
     ScanOptions options;
@@ -486,8 +489,8 @@ TEST(TreeScan, ForeignFilesystemsBelowTheRootAreEmptyFolders) {
     for (const FileItem& item : itself.rootItem().children()) {
         enteredFolders += item.isDirectory() && item.childCount() > 0 ? 1 : 0;
         const std::string path = item.url();
-        if (item.isDirectory() && std::find(mounts.mountPoints.begin(), mounts.mountPoints.end(),
-                                            path) == mounts.mountPoints.end()) {
+        if (item.isDirectory() &&
+            std::find(mountPoints.begin(), mountPoints.end(), path) == mountPoints.end()) {
             if (DIR* stream = opendir(path.c_str())) {
                 while (dirent* entry = readdir(stream)) {
                     if (entry->d_name[0] != '.') {
