@@ -52,10 +52,15 @@ void makeParents(const std::string& path) {
 
 } // namespace
 
-TempDir::TempDir() {
-    const char* base = std::getenv("TMPDIR");
-    std::string pattern =
-        std::string(base != nullptr && base[0] == '/' ? base : "/tmp") + "/sondrel-test-XXXXXX";
+TempDir::TempDir() : TempDir(std::string()) {}
+
+TempDir::TempDir(const std::string& base) {
+    const char* environment = std::getenv("TMPDIR");
+    std::string folder = base;
+    if (folder.empty()) {
+        folder = environment != nullptr && environment[0] == '/' ? environment : "/tmp";
+    }
+    std::string pattern = folder + "/sondrel-test-XXXXXX";
     if (mkdtemp(pattern.data()) == nullptr) {
         throw std::runtime_error("cannot create a temporary folder");
     }

@@ -12,6 +12,9 @@ namespace sondrel::test {
 class TempDir {
 public:
     TempDir();
+    /// Creates the folder under `base` instead (for example a tmpfs, for trees of hundreds of
+    /// thousands of entries that a disk would take minutes to create).
+    explicit TempDir(const std::string& base);
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
     ~TempDir();

@@ -17,6 +17,7 @@
 #include <mutex>
 #include <random>
 #include <set>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -578,6 +579,72 @@ TEST(TreeScan, TotalsMatchAnIndependentWalkAtEveryDepthAndDescriptorBound) {
     EXPECT_EQ(bounded.rootItem().size(), bytes);
     expectConsistent(bounded.rootItem());
     EXPECT_EQ(describe(bounded.rootItem()), reference);
+}
+
+} // namespace
+} // namespace sondrel
+
+namespace sondrel {
+namespace {
+
+TEST(TreeScan, CancelledScanShowsOnlyMeasuredEntries) {
+    TempDir dir;
+    // One wide folder: its files are listed first and sized afterwards in slices, so a cancel
+    // in between finds listed files whose size is not known yet.
+    for (int i = 0; i < 5000; ++i) {
+        dir.makeFile("wide/f" + std::to_string(i), 1);
+    }
+    CancelToken cancel;
+    ScanOptions options;
+    options.threads = 1;
+    options.progressIntervalSeconds = 0;
+    options.onProgress = [&](const ScanProgress&) { cancel.cancel(); };
+    const ScanResult result = scanTree(dir.path(), options, cancel);
+    EXPECT_TRUE(result.cancelled);
+    const FileItem wide = child(result.rootItem(), "wide");
+    if (wide) {
+        for (const FileItem& file : wide.children()) {
+            ASSERT_EQ(file.size(), 1) << "a file shown without its size";
+        }
+        EXPECT_EQ(wide.size(), wide.fileCount());
+    }
+    expectConsistent(result.rootItem());
+}
+
+// Bind mounts need root and a namespace that allows them; skipped otherwise.
+struct ScopedBind {
+    ScopedBind(const std::string& source, const std::string& target) : target(target) {
+        mounted =
+            geteuid() == 0 && mount(source.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) == 0;
+    }
+    ~ScopedBind() {
+        if (mounted) {
+            umount2(target.c_str(), MNT_DETACH);
+        }
+    }
+    std::string target;
+    bool mounted = false;
+};
+
+TEST(TreeScan, BindMountsAreEmptyFoldersAndCountNothingTwice) {
+    TempDir dir;
+    dir.makeFile("tree/photos/a.jpg", 10000);
+    dir.makeFile("tree/notes.txt", 8000);
+    dir.makeFile("elsewhere/b.bin", 5000);
+    dir.makeDir("tree/photos-again");
+    dir.makeDir("tree/elsewhere-view");
+    const ScopedBind again(dir / "tree/photos", dir / "tree/photos-again");
+    const ScopedBind view(dir / "elsewhere", dir / "tree/elsewhere-view");
+    if (!again.mounted || !view.mounted) {
+        GTEST_SKIP() << "bind mounts are not permitted here";
+    }
+    const ScanResult result = scan(dir / "tree");
+    EXPECT_EQ(result.rootItem().size(), 18000) << describe(result.rootItem());
+    const FileItem shown = child(result.rootItem(), "photos-again");
+    ASSERT_TRUE(shown);
+    EXPECT_TRUE(shown.isDirectory());
+    EXPECT_EQ(shown.childCount(), 0U);
+    expectConsistent(result.rootItem());
 }
 
 } // namespace
