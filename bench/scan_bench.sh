@@ -5,7 +5,8 @@
 # Usage: bench/scan_bench.sh [TREE_DIR] [RUNS]
 #   TREE_DIR  where the generated tree lives (made once; default /var/tmp/sondrel-bench-tree)
 #   RUNS      timed runs per tool after one warm-up run (default 7)
-# With COLD=1 (as root) it also times sondrel, gdu and the floor walker with the page, dentry
+# With BEFORE=/path/to/an/older/sondrel-cli it also times that binary in the same runs (a change's
+# before and after, side by side). With COLD=1 (as root) it also times sondrel, gdu and the floor walker with the page, dentry
 # and inode caches dropped before every run (3 runs each).
 #
 # Prints for each tool the median wall time, the ratio to the 2-thread floor walker and to
@@ -46,6 +47,10 @@ declare -A commands=(
   [du]="du -sb $tree"
 )
 order=(floor-2t sondrel gdu ncdu du)
+if [ -n "${BEFORE:-}" ]; then
+  commands[before]="$BEFORE --json scan $tree"
+  order+=(before)
+fi
 
 median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
 

@@ -1,13 +1,15 @@
 // sondrel-bench-floor_walker: the syscall floor of a folder-size scan, for the benchmarks.
 //
-// Usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden]
+// Usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden] [--du]
 //
 // It does only what any size scan must do: openat each folder relative to its parent,
 // getdents64 its entries, fstatat each entry that is not a folder (the size), on N threads
 // (default 2) sharing one stack of folders. Symbolic links are not followed; a multiply-linked
 // file counts once. --skip-hidden leaves out names starting with '.', like the app's scan.
 // Prints "files F bytes B folders D"; with --skip-hidden the bytes equal the root size of
-// `sondrel-cli scan` on the same tree.
+// `sondrel-cli scan` on the same tree. --du is the floor of a du-style measure instead: every
+// entry is stat'ed, folders (fstat of the opened folder) and links included, and the bytes are
+// the allocated ones (st_blocks * 512), as `du -sB1` counts them.
 
 #include <atomic>
 #include <condition_variable>
@@ -49,6 +51,7 @@ struct Walk {
     std::vector<Job> stack;
     int busy = 0;
     bool skipHidden = false;
+    bool duMode = false;
     std::atomic<long long> files{0};
     std::atomic<long long> bytes{0};
     std::atomic<long long> folders{0};
@@ -90,11 +93,17 @@ struct Walk {
             return;
         }
         ++folders;
+        long long localBytes = 0;
+        if (duMode) {
+            struct stat own {};
+            if (fstat(fd, &own) == 0) {
+                localBytes += static_cast<long long>(own.st_blocks) * 512;
+            }
+        }
         auto* self = new Dir;
         self->fd = fd;
         std::vector<Job> children;
         long long localFiles = 0;
-        long long localBytes = 0;
         for (;;) {
             const ssize_t n = getdents64(fd, buffer.data(), buffer.size());
             if (n <= 0) {
@@ -122,7 +131,7 @@ struct Walk {
                     children.push_back({self, name});
                     continue;
                 }
-                if (type != DT_REG ||
+                if ((type != DT_REG && !duMode) ||
                     (!haveInfo && fstatat(fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0)) {
                     continue;
                 }
@@ -133,7 +142,7 @@ struct Walk {
                         continue;
                     }
                 }
-                localBytes += info.st_size;
+                localBytes += duMode ? static_cast<long long>(info.st_blocks) * 512 : info.st_size;
             }
         }
         files += localFiles;
@@ -162,17 +171,21 @@ int main(int argc, char** argv) {
             threads = static_cast<unsigned>(std::max(1, std::atoi(argv[++i])));
         } else if (arg == "--skip-hidden") {
             walk.skipHidden = true;
+        } else if (arg == "--du") {
+            walk.duMode = true;
         } else if (root.empty() && arg[0] != '-') {
             root = arg;
         } else {
-            std::fprintf(stderr,
-                         "usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden]\n");
+            std::fprintf(
+                stderr,
+                "usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden] [--du]\n");
             return 2;
         }
     }
     if (root.empty()) {
-        std::fprintf(stderr,
-                     "usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden]\n");
+        std::fprintf(
+            stderr,
+            "usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden] [--du]\n");
         return 2;
     }
     walk.stack.push_back({nullptr, root});
