@@ -3,6 +3,8 @@
 # `sondrel-cli COMMAND --help`, the version from `sondrel-cli --version`.
 # Usage: cmake -DCLI=path/to/sondrel-cli -DOUT=sondrel-cli.1 -P generate_man_page.cmake
 
+cmake_policy(VERSION 3.25)
+
 if(NOT CLI OR NOT OUT)
   message(FATAL_ERROR "usage: cmake -DCLI=sondrel-cli -DOUT=FILE -P generate_man_page.cmake")
 endif()
@@ -17,16 +19,29 @@ function(run_cli out_var)
   set(${out_var} "${text}" PARENT_SCOPE)
 endfunction()
 
+# Square brackets and semicolons would split or join CMake list items; they travel as
+# placeholders until a text is written.
+function(protect out_var text)
+  string(REPLACE "[" "@LSQB@" text "${text}")
+  string(REPLACE "]" "@RSQB@" text "${text}")
+  string(REPLACE ";" "@SEMI@" text "${text}")
+  set(${out_var} "${text}" PARENT_SCOPE)
+endfunction()
+
 # Text made safe for roff: backslashes doubled as \e, hyphens as \- (they are all option dashes
 # or literal minus signs here), a leading dot or quote kept from being read as a request.
 function(roff out_var text)
   string(REPLACE "\\" "\\e" text "${text}")
   string(REPLACE "-" "\\-" text "${text}")
   string(REGEX REPLACE "(^|\n)([.'])" "\\1\\\\&\\2" text "${text}")
+  string(REPLACE "@LSQB@" "[" text "${text}")
+  string(REPLACE "@RSQB@" "]" text "${text}")
+  string(REPLACE "@SEMI@" ";" text "${text}")
   set(${out_var} "${text}" PARENT_SCOPE)
 endfunction()
 
 run_cli(help --help)
+protect(help "${help}")
 run_cli(version_line --version)
 string(REGEX REPLACE "^[^ ]+ " "" version "${version_line}")
 
@@ -83,6 +98,7 @@ foreach(entry IN LISTS commands)
   set(summary "${CMAKE_MATCH_2}")
   # "Usage: sondrel-cli USAGE", a blank line, the summary again.
   run_cli(command_help ${command} --help)
+  protect(command_help "${command_help}")
   string(REGEX MATCH "^Usage: sondrel-cli ([^\n]*)" _ "${command_help}")
   set(usage "${CMAKE_MATCH_1}")
   if(NOT usage)
@@ -120,5 +136,4 @@ elseif(trailer)
   string(APPEND page ".SH NOTES\n${trailer}\n")
 endif()
 
-string(APPEND page ".SH SEE ALSO\n.BR sondrel (1)\n")
 file(WRITE "${OUT}" "${page}")
