@@ -10,7 +10,7 @@ execute_process(COMMAND ${GROFF} -man -Tutf8 -P-cbou -ww -rLL=80n ${PAGE}
 if(NOT status EQUAL 0 OR NOT warnings STREQUAL "")
   message(FATAL_ERROR "groff failed on ${PAGE} (${status}):\n${warnings}")
 endif()
-foreach(heading NAME SYNOPSIS DESCRIPTION COMMANDS OPTIONS)
+foreach(heading NAME SYNOPSIS DESCRIPTION OPTIONS)
   if(NOT text MATCHES "\n${heading}\n")
     message(FATAL_ERROR "${PAGE} has no ${heading} section:\n${text}")
   endif()

@@ -42,7 +42,7 @@ step "programs"
 [[ $(command -v sondrel-cli) == /usr/bin/sondrel-cli ]] || fail "sondrel-cli is not /usr/bin/sondrel-cli"
 [[ $(/usr/bin/sondrel-cli --version) == "sondrel-cli $version" ]] || fail "sondrel-cli --version is not $version"
 [[ -x /usr/bin/sondrel ]] || fail "/usr/bin/sondrel missing"
-QT_QPA_PLATFORM=offscreen /usr/bin/sondrel --version | grep -qx "Sondrel $version" ||
+QT_QPA_PLATFORM=offscreen /usr/bin/sondrel --version 2>/dev/null | grep -qx "Sondrel $version" ||
   fail "sondrel --version does not print $version"
 
 step "helper and polkit action"
@@ -60,7 +60,8 @@ for size in 16 32 48 64 128 256; do
 done
 [[ -f /usr/share/icons/hicolor/scalable/apps/sondrel.svg ]] || fail "no scalable icon"
 
-step "manual page"
+step "manual pages"
+[[ $(man -w sondrel) == /usr/share/man/man1/sondrel.1.gz ]] || fail "no sondrel manual page"
 [[ $(man -w sondrel-cli) == /usr/share/man/man1/sondrel-cli.1.gz ]] ||
   fail "man -w sondrel-cli finds no installed page (does dpkg exclude /usr/share/man here?)"
 warnings=$(mktemp)
@@ -92,7 +93,13 @@ apt-get remove -y -qq sondrel >/dev/null
   fail "programs or the policy are left after apt-get remove"
 
 step "apt-get purge sondrel"
-apt-get purge -y -qq sondrel >/dev/null
+# The package has no configuration files, so remove may already have forgotten it entirely;
+# apt-get purge only knows it while dpkg keeps it as "removed, configuration left".
+if [[ $(dpkg-query -W -f='${db:Status-Abbrev}' sondrel 2>/dev/null || true) == rc* ]]; then
+  apt-get purge -y -qq sondrel >/dev/null
+else
+  dpkg --purge sondrel >/dev/null 2>&1
+fi
 [[ $(dpkg-query -W -f='${db:Status-Abbrev}' sondrel 2>/dev/null || true) == "" ||
    $(dpkg-query -W -f='${db:Status-Abbrev}' sondrel) == un* ]] || fail "dpkg still knows sondrel"
 left=()
