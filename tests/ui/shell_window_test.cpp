@@ -150,7 +150,7 @@ private slots:
             m_root->setSelectedSection(NavigationSection::SmartCare == entry.id
                                            ? NavigationSection::Settings
                                            : NavigationSection::SmartCare);
-            QTest::keyClick(m_window, static_cast<Qt::Key>(Qt::Key_1 + entry.id),
+            QTest::keyClick(m_window, static_cast<Qt::Key>(int(Qt::Key_1) + int(entry.id)),
                             Qt::ControlModifier);
             QCOMPARE(m_root->selectedSection(), static_cast<int>(entry.id));
             int named = 0;
@@ -164,6 +164,11 @@ private slots:
                     QString::fromUtf8(entry.title) + " is not available"));
             }
         }
+        // The storage page's "uninstall" request names its section through the table too.
+        QQuickItem* browser = findItem(m_window, QStringLiteral("storageBrowser"));
+        QVERIFY(browser != nullptr);
+        QVERIFY(QMetaObject::invokeMethod(browser, "uninstallRequested", Q_ARG(QString, home())));
+        QCOMPARE(m_root->selectedSection(), static_cast<int>(NavigationSection::Uninstaller));
         m_root->setSelectedSection(NavigationSection::SmartCare);
     }
 

@@ -1,11 +1,9 @@
 #include "ui/src/shell_setup.h"
 
 #include "app/app_root.h"
-#include "app/navigation_section.h"
 #include "ui/src/app_actions.h"
 #include "ui/src/symbol_icons.h"
 
-#include <QQmlEngine>
 #include <QQuickStyle>
 #include <QVariantMap>
 
@@ -17,18 +15,7 @@ void installShellImageProviders(QQmlEngine& engine) {
     }
 }
 
-void registerShellTypes() {
-    static const bool registered = [] {
-        qmlRegisterUncreatableMetaObject(NavigationSection::staticMetaObject, "Sondrel", 1, 0,
-                                         "Section",
-                                         QStringLiteral("Section only names the sections"));
-        return true;
-    }();
-    Q_UNUSED(registered);
-}
-
 QQuickWindow* loadMainWindow(QQmlApplicationEngine& engine, AppRoot* root, AppActions* actions) {
-    registerShellTypes();
     installShellImageProviders(engine);
     // Every control is painted from the theme; the Basic style takes the palette as given.
     QQuickStyle::setStyle(QStringLiteral("Basic"));
