@@ -159,6 +159,12 @@ private slots:
                 QTRY_COMPARE(child->isVisible(), child->objectName() == page);
             }
             QVERIFY2(named == 1, qPrintable(page));
+            // SONDREL_SCREENSHOT=DIR keeps a picture of each section as DIR/PAGE.png.
+            const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT");
+            if (!shots.isEmpty()) {
+                QTest::qWait(100);
+                QVERIFY(m_window->grabWindow().save(shots + "/" + page + ".png"));
+            }
             if (QQuickItem* unavailable = findItem(findItem(pages, page), "unavailableText")) {
                 QVERIFY(unavailable->property("text").toString().startsWith(
                     QString::fromUtf8(entry.title) + " is not available"));
