@@ -13,7 +13,8 @@
 // - destroying the job (with its engine) while work runs cancels the token, waits for the worker
 //   and publishes nothing. The work must therefore poll the token often.
 //
-// A whole engine over one core function, here `measureTree(path, cancel)` returning bytes:
+// A whole engine over one core function, here a `measureTree(path, cancel)` returning bytes
+// (tests/app/background_job_test.cpp compiles and runs an engine of the same shape):
 //
 //     class FolderSizer : public QObject {
 //         Q_OBJECT
