@@ -17,8 +17,6 @@ namespace sondrel {
 
 namespace {
 
-constexpr int kSectionCount = 8;
-
 QString platformText(const char* text) {
     return QString::fromStdString(withPlatformTerms(text, currentTextPlatform()));
 }
@@ -72,11 +70,11 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
 AppRoot::~AppRoot() = default;
 
 void AppRoot::setSelectedSection(int section) {
-    if (section < 0 || section >= kSectionCount || section == selectedSection()) {
+    if (!NavigationSection::isValid(section) || section == selectedSection()) {
         return;
     }
-    m_selectedSection = static_cast<NavigationSection>(section);
-    if (m_selectedSection == NavigationSection::monitor) {
+    m_selectedSection = static_cast<NavigationSection::Id>(section);
+    if (m_selectedSection == NavigationSection::Monitor) {
         m_systemMonitor->startMonitoring();
     } else {
         m_systemMonitor->stopMonitoring();
@@ -85,21 +83,19 @@ void AppRoot::setSelectedSection(int section) {
 }
 
 QStringList AppRoot::sectionTitles() {
-    return {QStringLiteral("Smart Care"),       QStringLiteral("Storage Scopix"),
-            QStringLiteral("Duplicate Hunter"), QStringLiteral("App Uninstaller"),
-            QStringLiteral("Junk & Dev Cache"), QStringLiteral("Intelligent Search"),
-            QStringLiteral("Live Telemetry"),   QStringLiteral("Themes & Settings")};
+    QStringList titles;
+    for (const NavigationSection::Row& row : NavigationSection::table()) {
+        titles << QString::fromUtf8(row.title);
+    }
+    return titles;
 }
 
 QStringList AppRoot::sectionSymbols() {
-    return {QStringLiteral("bolt.shield.fill"),
-            QStringLiteral("square.grid.2x2.fill"),
-            QStringLiteral("doc.on.doc.fill"),
-            QStringLiteral("trash.fill"),
-            QStringLiteral("sparkles"),
-            QStringLiteral("magnifyingglass"),
-            QStringLiteral("gauge.with.needle.fill"),
-            QStringLiteral("paintpalette.fill")};
+    QStringList symbols;
+    for (const NavigationSection::Row& row : NavigationSection::table()) {
+        symbols << QString::fromUtf8(row.symbol);
+    }
+    return symbols;
 }
 
 QString AppRoot::diskStripText() const {
@@ -149,7 +145,7 @@ void AppRoot::openFolderAtStart(const QString& folder) {
         return;
     }
     setSelectedTargetFolder(folder);
-    setSelectedSection(static_cast<int>(NavigationSection::treemap));
+    setSelectedSection(NavigationSection::Storage);
 }
 
 void AppRoot::windowAppeared() {
@@ -170,7 +166,7 @@ void AppRoot::windowAppeared() {
 void AppRoot::setApplicationActive(bool active) {
     if (!active) {
         m_systemMonitor->stopMonitoring();
-    } else if (m_selectedSection == NavigationSection::monitor) {
+    } else if (m_selectedSection == NavigationSection::Monitor) {
         m_systemMonitor->startMonitoring();
     }
 }
