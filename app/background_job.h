@@ -30,7 +30,7 @@
 //         Q_INVOKABLE void measure(const QString& folder) {
 //             m_job.start(
 //                 [path = toPathBytes(folder)](const JobContext& job) {
-//                     return measureTree(path, job.cancelToken());
+//                     return measureTree(path, MeasureOptions{}, job.cancelToken()).allocated;
 //                 },
 //                 [this](std::int64_t bytes) {
 //                     m_bytes = bytes;
@@ -53,7 +53,7 @@
 // cancel() and isBusy() are called there. The worker is one std::thread per job; starting a new
 // job after a cancel first waits for the cancelled worker, which stops at its next check.
 
-#include "core/scan/cancel_token.h"
+#include "core/util/cancel_token.h"
 
 #include <QMetaObject>
 #include <QObject>
