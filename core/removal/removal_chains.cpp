@@ -6,6 +6,11 @@ namespace sondrel {
 
 namespace {
 
+std::function<void(const std::string&)>& chainHook() {
+    static std::function<void(const std::string&)> hook;
+    return hook;
+}
+
 RemovalOutcome success(RemovalStep step) {
     return RemovalOutcome{true, step, {}};
 }
@@ -18,6 +23,9 @@ RemovalOutcome failure(std::string message) {
 std::optional<RemovalOutcome> refusal(const std::string& path, const RemovalContext& context) {
     const PathVerdict verdict = checkRemovablePath(path, context.trash.home, context.allowedRoots);
     if (verdict == PathVerdict::allowed) {
+        if (chainHook()) {
+            chainHook()(path);
+        }
         return std::nullopt;
     }
     return RemovalOutcome{false, RemovalStep::refused, std::string(describe(verdict))};
@@ -117,6 +125,10 @@ RemovalOutcome safeMoveToTrash(const std::string& path, const RemovalContext& co
 
 RemovalOutcome moveDuplicateToTrash(const std::string& path, const RemovalContext& context) {
     return trashChain(path, context, false);
+}
+
+void setRemovalChainHookForTesting(std::function<void(const std::string& path)> hook) {
+    chainHook() = std::move(hook);
 }
 
 std::string_view describe(RemovalStep step) {

@@ -12,6 +12,7 @@
 #include "core/removal/privileged_helper_client.h"
 #include "core/removal/trash.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,11 @@ RemovalOutcome safeMoveToTrash(const std::string& path, const RemovalContext& co
 /// Duplicate chain for one path: like safeMoveToTrash without the administrator step, so it
 /// never asks for a password. Blocking; keeps no state.
 RemovalOutcome moveDuplicateToTrash(const std::string& path, const RemovalContext& context);
+
+/// Test seam: `hook` is called by every chain with the item's path after the path passed the
+/// safety rules and before the first step acts on it, so a test can swap a folder on the way for
+/// a link at exactly that moment. Empty by default; set it only while no chain runs.
+void setRemovalChainHookForTesting(std::function<void(const std::string& path)> hook);
 
 /// A one-line English description of a step ("moved to the Trash").
 std::string_view describe(RemovalStep step);
