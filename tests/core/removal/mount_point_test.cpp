@@ -2,6 +2,7 @@
 // system has the same device number, so only the mount identity tells it apart. Nothing is
 // removed inside one, nothing is chowned across one, and a folder holding one stays put.
 
+#include "core/removal/mount_boundary.h"
 #include "core/removal/permanent_removal.h"
 #include "core/removal/trash.h"
 #include "removal_test_support.h"
@@ -124,6 +125,26 @@ TEST(MountPoints, HelperBinaryKeepsOffMounts) {
         EXPECT_EQ(result.exitCode, 1) << verb << result.out << result.err;
         EXPECT_NE(result.out.find("mount point"), std::string::npos) << result.out;
         m.expectOutsideIntact();
+    }
+}
+
+// Each way of telling a mount point, forced in turn, finds the same bind mounts.
+TEST(MountPoints, EveryProbeFindsABindMount) {
+    MountedHome m;
+    if (!m.mounted()) {
+        GTEST_SKIP() << "bind mounts are not permitted here (needs root)";
+    }
+    for (const MountProbe probe : {MountProbe::statxAttribute, MountProbe::mountId,
+                                   MountProbe::fdInfo, MountProbe::mountInfo}) {
+        setMountProbeForTesting(probe);
+        const RemovalReport report = removePermanently(m.holder);
+        const TrashResult trashed = moveToTrash(m.holder, m.t.context().trash);
+        setMountProbeForTesting(MountProbe::automatic);
+        EXPECT_FALSE(report.removed);
+        EXPECT_EQ(report.failures.size(), 2U) << static_cast<int>(probe);
+        EXPECT_FALSE(trashed.ok);
+        m.expectOutsideIntact();
+        m.t.dir.writeFile("home/holder/plain", "p");
     }
 }
 

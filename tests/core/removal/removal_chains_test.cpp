@@ -68,27 +68,25 @@ TEST(RemovalChains, ParentSwappedAfterTheCheckLeadsNowhere) {
     const std::vector<Chain> chains = allChains();
     for (int round = 0; round < 40; ++round) {
         const bool folder = round % 8 < 4;
-        if (folder) {
-            t.dir.writeFile("home/a/b/victim/inner", "v");
-            t.dir.writeFile("outside/victim/inner", "keep");
-        } else {
-            t.dir.writeFile("home/a/b/victim", "v");
-            t.dir.writeFile("outside/victim", "keep");
-        }
+        const std::string name = "victim-" + std::to_string(round);
+        const std::string sentinel = outside + "/" + name + (folder ? "/inner" : "");
+        t.dir.writeFile("home/a/b/" + name + (folder ? "/inner" : ""), "v");
+        t.dir.writeFile("outside/" + name + (folder ? "/inner" : ""), "keep");
         setRemovalChainHookForTesting([&](const std::string&) {
             if (rename(parent.c_str(), aside.c_str()) == 0) {
                 symlink(outside.c_str(), parent.c_str());
             }
         });
-        const RemovalOutcome outcome = chains[round % chains.size()](parent + "/victim", context);
+        const RemovalOutcome outcome =
+            chains[static_cast<std::size_t>(round) % chains.size()](parent + "/" + name, context);
         setRemovalChainHookForTesting({});
-        ASSERT_EQ(test::readFile(outside + (folder ? "/victim/inner" : "/victim")), "keep")
+        ASSERT_EQ(test::readFile(sentinel), "keep")
             << "round " << round << ": " << describe(outcome.step);
         EXPECT_FALSE(outcome.removed) << "round " << round;
         ASSERT_EQ(unlink(parent.c_str()), 0);
         ASSERT_EQ(rename(aside.c_str(), parent.c_str()), 0);
-        EXPECT_TRUE(exists(parent + "/victim"));
-        EXPECT_TRUE(removePermanently(parent + "/victim").removed);
+        EXPECT_TRUE(exists(parent + "/" + name));
+        EXPECT_TRUE(removePermanently(parent + "/" + name).removed);
     }
 }
 
@@ -102,7 +100,7 @@ TEST(RemovalChains, ParentSwappedByAnotherThreadLeadsNowhere) {
     const RemovalContext context = t.context();
     const std::vector<Chain> chains = allChains();
     t.dir.makeDir("home/a/b");
-    constexpr int kSentinels = 200;
+    constexpr int kSentinels = 1000;
     for (int i = 0; i < kSentinels; ++i) {
         t.dir.writeFile("outside/victim-" + std::to_string(i), "keep");
     }
@@ -119,9 +117,11 @@ TEST(RemovalChains, ParentSwappedByAnotherThreadLeadsNowhere) {
     });
     for (int i = 0; i < kSentinels; ++i) {
         const std::string name = "/victim-" + std::to_string(i);
-        // The file may land in the real folder or, while it is set aside, fail to be made.
-        if (FILE* file = fopen((parent + name).c_str(), "w")) {
-            fclose(file);
+        // Made in the real folder, or through the link where the sentinel already is (then
+        // nothing is made and the sentinel is left as it is).
+        const int fd = open((parent + name).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (fd >= 0) {
+            close(fd);
         }
         chains[static_cast<std::size_t>(i) % chains.size()](parent + name, context);
     }
