@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <unistd.h>
 
 namespace sondrel {
 
@@ -144,6 +145,24 @@ RemovalOutcome trashChain(const std::string& path, const RemovalContext& context
 }
 
 } // namespace
+
+RemovalContext RemovalContext::forUser(const std::string& home, const std::string& dataHome,
+                                       std::vector<std::string> allowedRoots) {
+    return forUser(home, dataHome, std::move(allowedRoots), getuid(), getgid());
+}
+
+RemovalContext RemovalContext::forUser(const std::string& home, const std::string& dataHome,
+                                       std::vector<std::string> allowedRoots, uid_t uid,
+                                       gid_t gid) {
+    RemovalContext context;
+    context.trash.home = home;
+    context.trash.dataHome = dataHome;
+    context.trash.uid = uid;
+    context.trash.gid = gid;
+    context.allowedRoots =
+        allowedRoots.empty() ? std::vector<std::string>{home} : std::move(allowedRoots);
+    return context;
+}
 
 RemovalOutcome deleteItemSafely(const std::string& path, bool isTrashGroup,
                                 const RemovalContext& context) {

@@ -25,6 +25,21 @@ struct RemovalContext {
     TrashContext trash;
     std::vector<std::string> allowedRoots;
     const PrivilegedHelperClient* administrator = nullptr;
+
+    /// The context for the running user (getuid/getgid) with the home `home` and the data
+    /// folder `dataHome` (the home trash is dataHome + "/Trash"), allowing `allowedRoots`, or
+    /// the home alone when none are given. No administrator step; the clock is the system's.
+    static RemovalContext forUser(const std::string& home, const std::string& dataHome,
+                                  std::vector<std::string> allowedRoots = {});
+    /// The same for the user `uid`/`gid` (the privileged helper acting for its caller).
+    static RemovalContext forUser(const std::string& home, const std::string& dataHome,
+                                  std::vector<std::string> allowedRoots, uid_t uid, gid_t gid);
+    /// The same from anything that names `home` and `dataHome` (the platform's Locations).
+    template <class Folders>
+    static RemovalContext forUser(const Folders& locations,
+                                  std::vector<std::string> allowedRoots = {}) {
+        return forUser(locations.home, locations.dataHome, std::move(allowedRoots));
+    }
 };
 
 /// The step of a chain that removed the item (or that the chain stopped at).

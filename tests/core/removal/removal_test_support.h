@@ -26,13 +26,8 @@ struct TempHome {
     std::string trash = dataHome + "/Trash";
 
     RemovalContext context(std::vector<std::string> roots = {}) const {
-        RemovalContext c;
-        c.trash.home = home;
-        c.trash.dataHome = dataHome;
-        c.trash.uid = getuid();
-        c.trash.gid = getgid();
+        RemovalContext c = RemovalContext::forUser(*this, std::move(roots));
         c.trash.clock = [] { return std::time_t{1700000000}; };
-        c.allowedRoots = roots.empty() ? std::vector<std::string>{home} : std::move(roots);
         return c;
     }
 };
