@@ -3,8 +3,7 @@
 #include "app/qt_conversions.h"
 #include "app/scan_target.h"
 #include "core/model/platform_terms.h"
-#include "core/removal/path_safety.h"
-#include "core/removal/trash.h"
+#include "core/removal/removal_chains.h"
 #include "platform/locations.h"
 
 #include <QDir>
@@ -21,18 +20,13 @@ QString platformText(const char* text) {
     return QString::fromStdString(withPlatformTerms(text, currentTextPlatform()));
 }
 
-// The file manager's plain move to the Trash. The scan root, "/", the home folder and the
-// protected folders (~/.ssh, keyrings, ...) are refused before anything is moved.
+// The file manager's plain move to the Trash (or into the home trash by rename), never a
+// password prompt. The scan root, "/", the home folder and the protected folders (~/.ssh,
+// keyrings, ...) are refused before anything is moved; a path already gone counts as failure.
 bool moveToUserTrash(const std::string& path, const Locations& locations) {
-    if (checkRemovablePath(path, locations.home, {"/"}) != PathVerdict::allowed) {
-        return false;
-    }
-    TrashContext context;
-    context.home = locations.home;
-    context.dataHome = locations.dataHome;
-    context.uid = ::getuid();
-    context.gid = ::getgid();
-    return moveToTrash(path, context).ok;
+    const RemovalOutcome outcome =
+        moveDuplicateToTrash(path, RemovalContext::forUser(locations, {"/"}));
+    return outcome.step == RemovalStep::trash || outcome.step == RemovalStep::manualMove;
 }
 
 QVariantMap section(const QVariantMap& overview, const char* key) {
