@@ -7,11 +7,11 @@ namespace sondrel {
 namespace {
 
 RemovalOutcome success(RemovalStep step) {
-    return RemovalOutcome{true, step, {}};
+    return RemovalOutcome{true, step, {}, {}};
 }
 
 RemovalOutcome failure(std::string message) {
-    return RemovalOutcome{false, RemovalStep::failed, std::move(message)};
+    return RemovalOutcome{false, RemovalStep::failed, std::move(message), {}};
 }
 
 // The safety verdict as an outcome, or nothing when the path may be removed.
@@ -20,7 +20,7 @@ std::optional<RemovalOutcome> refusal(const std::string& path, const RemovalCont
     if (verdict == PathVerdict::allowed) {
         return std::nullopt;
     }
-    return RemovalOutcome{false, RemovalStep::refused, std::string(describe(verdict))};
+    return RemovalOutcome{false, RemovalStep::refused, std::string(describe(verdict)), {}};
 }
 
 std::string firstFailure(const RemovalReport& report) {
@@ -62,11 +62,11 @@ RemovalOutcome trashChain(const std::string& path, const RemovalContext& context
     clearImmutableFlags(path);
     const TrashResult trashed = moveToTrash(path, context.trash);
     if (trashed.ok && !pathExists(path)) {
-        return success(RemovalStep::trash);
+        return RemovalOutcome{true, RemovalStep::trash, {}, trashed.trashedPath};
     }
     const TrashResult moved = moveIntoHomeTrashManually(path, context.trash);
     if (moved.ok && !pathExists(path)) {
-        return success(RemovalStep::manualMove);
+        return RemovalOutcome{true, RemovalStep::manualMove, {}, moved.trashedPath};
     }
     if (!pathExists(path)) {
         return success(RemovalStep::alreadyGone);
