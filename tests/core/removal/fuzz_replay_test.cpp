@@ -13,8 +13,7 @@ namespace sondrel {
 namespace {
 
 std::string corpusFolder() {
-    const std::string file = __FILE__;
-    return file.substr(0, file.rfind("/tests/core/removal/")) + "/tests/fixtures/fuzz/removal";
+    return SONDREL_SOURCE_DIR "/tests/fixtures/fuzz/removal";
 }
 
 TEST(RemovalFuzzReplay, CommittedCorpus) {
