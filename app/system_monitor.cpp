@@ -3,6 +3,7 @@
 #include "core/model/platform_terms.h"
 
 #include <QString>
+#include <algorithm>
 #include <utility>
 
 namespace sondrel {
@@ -140,6 +141,10 @@ void SystemMonitor::stopMonitoring() {
     m_timer.stop();
     m_isMonitoring = false;
     emit isMonitoringChanged();
+}
+
+void SystemMonitor::setIntervalMilliseconds(int milliseconds) {
+    m_timer.setInterval(std::max(milliseconds, 1));
 }
 
 void SystemMonitor::refresh() {

@@ -54,7 +54,7 @@ class SystemMonitor : public QObject {
 public:
     /// Number of values kept in cpuHistory.
     static constexpr int kHistoryLength = 20;
-    /// Time between two samples while monitoring.
+    /// Time between two samples while monitoring, unless setIntervalMilliseconds changed it.
     static constexpr int kIntervalMilliseconds = 2000;
 
     /// A monitor over the running system's sampler. Reads the host facts now.
@@ -80,6 +80,13 @@ public:
     /// Stops the timer and clears isMonitoring; keeps the figures and the previous CPU reading.
     /// Does nothing while idle. GUI thread.
     Q_INVOKABLE void stopMonitoring();
+    /// Changes the time between two samples (milliseconds, at least 1; smaller values count as
+    /// 1). Tests shorten it rather than wait for the real period; a running timer takes the new
+    /// interval at once. GUI thread.
+    void setIntervalMilliseconds(int milliseconds);
+    /// The time between two samples in milliseconds (kIntervalMilliseconds by default).
+    int intervalMilliseconds() const { return m_timer.interval(); }
+
     /// Takes one sample now: replaces cpu, memory and disk of the overview (host facts keep
     /// their values), appends the total CPU percentage to cpuHistory (dropping the oldest) and
     /// emits overviewChanged and cpuHistoryChanged. Works whether or not monitoring. GUI thread.

@@ -8,6 +8,7 @@
 #include "core/model/reclaimable_status.h"
 #include "core/util/json_writer.h"
 #include "core/util/path_text.h"
+#include "core/util/text_escape.h"
 
 #include <ostream>
 #include <sys/stat.h>
@@ -72,7 +73,7 @@ int runClassify(CommandContext& context) {
     }
     for (const std::string& path : paths) {
         const Classification c = classify(path);
-        context.out << toDisplayText(c.path) << (c.isDirectory ? "/" : "") << '\n'
+        context.out << terminalText(c.path) << (c.isDirectory ? "/" : "") << '\n'
                     << "  Category:  " << displayName(c.category) << '\n'
                     << "  Verdict:   " << displayName(c.status) << '\n'
                     << "  Rationale: " << c.rationale << '\n';

@@ -9,6 +9,7 @@
 #include "core/monitor/cpu_load_tracker.h"
 #include "core/monitor/system_overview.h"
 #include "core/util/json_writer.h"
+#include "core/util/text_escape.h"
 #include "platform/system_sampler.h"
 
 #include <chrono>
@@ -104,8 +105,8 @@ void writeJson(JsonWriter& json, int index, const SystemOverview& o) {
 }
 
 void writeFacts(std::ostream& out, const SystemOverview& o) {
-    out << term("Mac Name") << ": " << o.hostName << '\n'
-        << term("macOS Version") << ": " << o.osVersion << '\n'
+    out << term("Mac Name") << ": " << terminalText(o.hostName) << '\n'
+        << term("macOS Version") << ": " << terminalText(o.osVersion) << '\n'
         << "System Uptime: " << o.formattedUptime() << '\n';
 }
 
@@ -148,8 +149,11 @@ int runMonitor(CommandContext& context) {
     if (samples < 1 || samples > kMaxSamples) {
         throw UsageError("--samples must be between 1 and 1000000");
     }
-    if (!std::isfinite(interval) || interval <= 0.0 || interval > kMaxIntervalSeconds) {
-        throw UsageError("--interval must be a number of seconds above 0 and at most 3600");
+    if (std::isnan(interval) || interval <= 0.0) {
+        throw UsageError("--interval must be positive: a number of seconds above 0");
+    }
+    if (interval > kMaxIntervalSeconds) {
+        throw UsageError("--interval must be at most 3600 seconds");
     }
     const int count = static_cast<int>(samples);
     const auto wait = std::chrono::duration<double>(interval);

@@ -9,13 +9,15 @@
 #include "core/scan/scan_texts.h"
 #include "core/scan/tree_export.h"
 #include "core/scan/tree_scan.h"
-#include "core/util/path_text.h"
+#include "core/util/text_escape.h"
 
+#include <cerrno>
 #include <csignal>
 #include <ctime>
 #include <fstream>
 #include <mutex>
 #include <ostream>
+#include <sys/stat.h>
 
 namespace sondrel::cli {
 
@@ -34,7 +36,7 @@ extern "C" void onInterrupt(int /*signal*/) {
 void printSummary(std::ostream& out, const ScanResult& result) {
     out << scanSummaryText(result.items, result.bytes, result.elapsedSeconds) << '\n';
     const FileItem root = result.rootItem();
-    out << toDisplayText(root.url()) << "  " << formatBytes(root.size()) << ", " << root.fileCount()
+    out << terminalText(root.url()) << "  " << formatBytes(root.size()) << ", " << root.fileCount()
         << (root.fileCount() == 1 ? " file" : " files") << '\n';
     std::size_t shown = 0;
     for (const FileItem& child : root.children()) {
@@ -46,7 +48,7 @@ void printSummary(std::ostream& out, const ScanResult& result) {
         if (size.size() < 10) {
             size.insert(0, 10 - size.size(), ' ');
         }
-        out << "  " << size << "  " << toDisplayText(child.name())
+        out << "  " << size << "  " << terminalText(child.name())
             << (child.isDirectory() ? "/" : "") << '\n';
     }
 }
@@ -85,12 +87,16 @@ int runScan(CommandContext& context) {
     }
 
     if (result.accessDenied) {
+        struct stat info {};
+        if (stat(target.c_str(), &info) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
+            return fail(context.err, "'" + target + "' does not exist");
+        }
         return fail(context.err, accessDeniedText(scanTargetName(target)));
     }
     if (exportPath) {
         std::ofstream file(*exportPath, std::ios::binary | std::ios::trunc);
         if (!file || !writeNcduExport(file, result.rootItem(), std::time(nullptr))) {
-            return fail(context.err, "cannot write '" + toDisplayText(*exportPath) + "'");
+            return fail(context.err, "cannot write '" + *exportPath + "'");
         }
     }
     if (context.json) {

@@ -1,5 +1,7 @@
 #include "cli/command_registry.h"
 
+#include "core/util/text_escape.h"
+
 #include <algorithm>
 #include <charconv>
 #include <memory>
@@ -75,7 +77,7 @@ std::optional<long long> Arguments::takeInteger(std::string_view name) {
     }
     long long value = 0;
     const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), value);
-    if (error != std::errc() || end != text->data() + text->size() || value < 0) {
+    if (error != std::errc() || end != text->data() + text->size()) {
         throw UsageError(std::string(name) + " needs a whole number, not '" + *text + "'");
     }
     return value;
@@ -89,7 +91,7 @@ std::optional<double> Arguments::takeNumber(std::string_view name) {
     try {
         std::size_t used = 0;
         const double value = std::stod(*text, &used);
-        if (used == text->size() && value >= 0) {
+        if (used == text->size()) {
             return value;
         }
     } catch (const std::exception&) {
@@ -115,7 +117,7 @@ std::vector<std::string> Arguments::positionals() const {
 }
 
 int fail(std::ostream& err, std::string_view message) {
-    err << "sondrel-cli: " << message << '\n';
+    err << "sondrel-cli: " << terminalText(message) << '\n';
     return kExitFailure;
 }
 

@@ -17,7 +17,8 @@ namespace sondrel::cli {
 /// Exit statuses shared by every command.
 enum ExitStatus : int { kExitOk = 0, kExitFailure = 1, kExitUsage = 2 };
 
-/// Thrown for bad arguments; the dispatcher prints the message and exits with kExitUsage.
+/// Thrown for bad arguments; the dispatcher prints the message (through terminalText, so it may
+/// hold raw argument bytes) and exits with kExitUsage.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -32,9 +33,11 @@ public:
     bool takeFlag(std::string_view name);
     /// Removes `name` and its value if present; throws UsageError when the value is missing.
     std::optional<std::string> takeOption(std::string_view name);
-    /// Like takeOption, parsing a whole non-negative integer (UsageError otherwise).
+    /// Like takeOption, parsing a whole number (UsageError otherwise). The sign and range are
+    /// the caller's to check, so that it can say what the option needs.
     std::optional<long long> takeInteger(std::string_view name);
-    /// Like takeOption, parsing a number (UsageError otherwise).
+    /// Like takeOption, parsing a number (UsageError otherwise; "nan" and "inf" parse). The
+    /// sign and range are the caller's to check.
     std::optional<double> takeNumber(std::string_view name);
     /// The remaining arguments; throws UsageError if an unknown option ("-x", "--xyz") remains
     /// before "--".
@@ -70,7 +73,8 @@ struct CommandRegistration {
     explicit CommandRegistration(Command command);
 };
 
-/// Prints "sondrel-cli: <message>" on `err` and returns kExitFailure (one clear line).
+/// Prints "sondrel-cli: <message>" on `err` and returns kExitFailure (one clear line). The
+/// message is shown through terminalText, so names in it may be passed as raw bytes.
 int fail(std::ostream& err, std::string_view message);
 
 } // namespace sondrel::cli

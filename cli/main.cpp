@@ -123,10 +123,9 @@ int main(int argc, char** argv) {
     try {
         return run(std::move(args));
     } catch (const UsageError& error) {
-        std::cerr << "sondrel-cli: " << error.what() << '\n';
+        fail(std::cerr, error.what());
         return kExitUsage;
     } catch (const std::exception& error) {
-        std::cerr << "sondrel-cli: " << error.what() << '\n';
-        return kExitFailure;
+        return fail(std::cerr, error.what());
     }
 }

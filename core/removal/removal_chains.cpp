@@ -16,11 +16,11 @@ std::function<void(const std::string&)>& chainHook() {
 }
 
 RemovalOutcome success(RemovalStep step) {
-    return RemovalOutcome{true, step, {}};
+    return RemovalOutcome{true, step, {}, {}};
 }
 
 RemovalOutcome failure(std::string message) {
-    return RemovalOutcome{false, RemovalStep::failed, std::move(message)};
+    return RemovalOutcome{false, RemovalStep::failed, std::move(message), {}};
 }
 
 // The safety verdict as an outcome, or nothing when the path may be removed.
@@ -29,7 +29,7 @@ std::optional<RemovalOutcome> refusal(const std::string& path, const RemovalCont
     if (verdict == PathVerdict::allowed) {
         return std::nullopt;
     }
-    return RemovalOutcome{false, RemovalStep::refused, std::string(describe(verdict))};
+    return RemovalOutcome{false, RemovalStep::refused, std::string(describe(verdict)), {}};
 }
 
 // realpath() of `path`, or of its deepest existing folder with the missing rest appended.
@@ -125,11 +125,11 @@ RemovalOutcome trashChain(const std::string& path, const RemovalContext& context
     clearImmutableFlags(item.path);
     const TrashResult trashed = moveToTrash(item.path, item.trash);
     if (trashed.ok && !pathExists(item.path)) {
-        return success(RemovalStep::trash);
+        return RemovalOutcome{true, RemovalStep::trash, {}, trashed.trashedPath};
     }
     const TrashResult moved = moveIntoHomeTrashManually(item.path, item.trash);
     if (moved.ok && !pathExists(item.path)) {
-        return success(RemovalStep::manualMove);
+        return RemovalOutcome{true, RemovalStep::manualMove, {}, moved.trashedPath};
     }
     if (!pathExists(item.path)) {
         return success(RemovalStep::alreadyGone);

@@ -57,7 +57,8 @@ enum class RemovalStep : unsigned char {
 struct RemovalOutcome {
     bool removed = false;
     RemovalStep step = RemovalStep::failed;
-    std::string message; ///< for a failure or refusal: why, in one line (no path in it)
+    std::string message;     ///< for a failure or refusal: why, in one line (no path in it)
+    std::string trashedPath; ///< after a move to a Trash: where the item now is; else empty
     explicit operator bool() const { return removed; }
 };
 

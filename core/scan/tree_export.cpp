@@ -1,6 +1,6 @@
 #include "core/scan/tree_export.h"
 
-#include "core/util/path_text.h"
+#include "core/util/text_escape.h"
 
 #include <cstdio>
 #include <vector>
@@ -24,83 +24,59 @@ void appendNumber(std::string& out, std::int64_t number) {
     out.append(text, static_cast<std::size_t>(length));
 }
 
-// One level of an iterative depth-first walk: the node, its next child to visit and the
-// length of the path before this node's name was appended.
+// One level of an iterative depth-first walk: the node and its next child to visit.
 struct Frame {
     const FileNode* node;
     const FileNode* nextChild;
-    std::size_t pathLength;
 };
 
 } // namespace
 
-void appendJsonString(std::string& out, std::string_view bytes) {
-    const bool valid = isValidUtf8(bytes);
-    out += '"';
-    for (const char ch : bytes) {
-        const auto c = static_cast<unsigned char>(ch);
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += ch;
-        } else if (c < 0x20 || c == 0x7F || (!valid && c >= 0x80)) {
-            static constexpr char kNamed[] = "btnvfr"; // \b \t \n (\v unnamed) \f \r
-            if (c >= '\b' && c <= '\r' && c != '\v') {
-                out += '\\';
-                out += kNamed[c - '\b'];
-            } else {
-                char escaped[8];
-                std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
-                out += escaped;
-            }
-        } else {
-            out += ch;
-        }
-    }
-    out += '"';
-}
-
 bool writeTreeJson(std::ostream& out, const FileItem& root) {
     std::string buffer;
     buffer.reserve(kFlushBytes + 4096);
-    std::string path = root.url();
-    const auto openNode = [&](const FileNode* node) {
+    const auto openNode = [&](const FileNode* node, bool isRoot) {
         buffer += "{\"name\":";
         appendJsonString(buffer, node->name());
-        buffer += ",\"path\":";
-        appendJsonString(buffer, path);
+        if (isRoot) {
+            buffer += ",\"path\":";
+            appendJsonString(buffer, root.url());
+        }
         buffer += ",\"size\":";
         appendNumber(buffer, node->size);
         buffer += ",\"fileCount\":";
         appendNumber(buffer, node->fileCount);
         buffer += ",\"category\":";
         appendJsonString(buffer, displayName(node->category));
-        buffer += node->isDirectory() ? ",\"isDirectory\":true" : ",\"isDirectory\":false";
-        buffer += ",\"children\":[";
+        if (node->isDirectory()) {
+            buffer += ",\"isDirectory\":true,\"children\":[";
+        } else {
+            buffer += ",\"isDirectory\":false}";
+        }
     };
     std::vector<Frame> stack;
-    openNode(root.node());
-    stack.push_back({root.node(), root.node()->firstChild, path.size()});
+    openNode(root.node(), true);
+    if (root.node()->isDirectory()) {
+        stack.push_back({root.node(), root.node()->firstChild});
+    }
     while (!stack.empty()) {
         Frame& frame = stack.back();
         const FileNode* child = frame.nextChild;
         if (child == nullptr) {
             buffer += "]}";
-            path.resize(frame.pathLength);
             stack.pop_back();
-            if (!stack.empty() && stack.back().nextChild != nullptr) {
-                buffer += ',';
-            }
             flushIfFull(buffer, out);
             continue;
         }
-        frame.nextChild = child->nextSibling;
-        const std::size_t parentLength = path.size();
-        if (path.empty() || path.back() != '/') {
-            path += '/';
+        if (child != frame.node->firstChild) {
+            buffer += ',';
         }
-        path += child->name();
-        openNode(child);
-        stack.push_back({child, child->firstChild, parentLength});
+        frame.nextChild = child->nextSibling;
+        openNode(child, false);
+        if (child->isDirectory()) {
+            stack.push_back({child, child->firstChild});
+        }
+        flushIfFull(buffer, out);
     }
     buffer += '\n';
     out.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
@@ -130,7 +106,7 @@ bool writeNcduExport(std::ostream& out, const FileItem& root, std::time_t timest
     const std::string rootPath = root.url();
     buffer += '[';
     info(rootPath, root.node(), true);
-    stack.push_back({root.node(), root.node()->firstChild, 0});
+    stack.push_back({root.node(), root.node()->firstChild});
     while (!stack.empty()) {
         Frame& frame = stack.back();
         const FileNode* child = frame.nextChild;
@@ -145,7 +121,7 @@ bool writeNcduExport(std::ostream& out, const FileItem& root, std::time_t timest
         if (child->isDirectory()) {
             buffer += '[';
             info(child->name(), child, true);
-            stack.push_back({child, child->firstChild, 0});
+            stack.push_back({child, child->firstChild});
         } else {
             info(child->name(), child, false);
         }

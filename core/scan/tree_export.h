@@ -2,9 +2,10 @@
 // Writers of a scanned tree: the command line's JSON tree, and ncdu's JSON export format
 // (major version 1, minor version 2), which ncdu (-f FILE) and gdu (-f FILE) open.
 //
-// Names and paths are written byte-exact: valid UTF-8 passes through; a string that is not
-// valid UTF-8 has each byte >= 0x80 written as \u0080..\u00FF (ncdu's convention), so the
-// original bytes can be recovered.
+// Names and paths are written with appendJsonString (core/util/text_escape.h): valid UTF-8 passes
+// through and each byte that is not part of valid UTF-8 becomes \udcXX, so two different names
+// never give the same text and the original bytes can be read back. docs/json-format.md
+// describes both formats.
 
 #include "core/model/file_item.h"
 
@@ -15,12 +16,11 @@
 
 namespace sondrel {
 
-/// Appends `bytes` as a quoted JSON string to `out` (see the byte convention above).
-void appendJsonString(std::string& out, std::string_view bytes);
-
-/// Writes `root` and everything below it as one compact JSON object followed by a newline:
-/// {"name","path","size","fileCount","category" (display name),"isDirectory","children":[...]}.
-/// Children are in tree order (largest first). Returns false when the stream failed.
+/// Writes `root` and everything below it as one compact JSON object followed by a newline. Each
+/// node is {"name","size","fileCount","category" (display name),"isDirectory"}, a folder adds
+/// "children":[...] in tree order (largest first; empty for a collapsed folder), and the root
+/// alone also carries "path", its full path: a consumer joins the names below it, so the output
+/// grows with the number of nodes, not with their depth. Returns false when the stream failed.
 bool writeTreeJson(std::ostream& out, const FileItem& root);
 
 /// Writes the tree below `root` in ncdu's export format. The root entry is named by its full

@@ -1,6 +1,6 @@
 #include "core/util/json_writer.h"
 
-#include "core/util/path_text.h"
+#include "core/util/text_escape.h"
 
 #include <cmath>
 #include <cstdio>
@@ -31,6 +31,10 @@ void JsonWriter::beforeValue() {
         m_hasItems.back() = true;
         newline();
     }
+}
+
+void JsonWriter::writeString(std::string_view bytes) {
+    m_out << jsonString(bytes);
 }
 
 JsonWriter& JsonWriter::beginObject() {
@@ -75,26 +79,15 @@ JsonWriter& JsonWriter::endArray() {
 
 JsonWriter& JsonWriter::key(std::string_view name) {
     beforeValue();
-    m_out << '"';
-    escapeInto(m_out, name, false);
-    m_out << (m_pretty ? "\": " : "\":");
+    writeString(name);
+    m_out << (m_pretty ? ": " : ":");
     m_afterKey = true;
     return *this;
 }
 
 JsonWriter& JsonWriter::value(std::string_view text) {
     beforeValue();
-    m_out << '"';
-    escapeInto(m_out, text, false);
-    m_out << '"';
-    return *this;
-}
-
-JsonWriter& JsonWriter::rawString(std::string_view bytes) {
-    beforeValue();
-    m_out << '"';
-    escapeInto(m_out, bytes, true);
-    m_out << '"';
+    writeString(text);
     return *this;
 }
 
@@ -132,46 +125,6 @@ JsonWriter& JsonWriter::null() {
     beforeValue();
     m_out << "null";
     return *this;
-}
-
-void JsonWriter::escapeInto(std::ostream& out, std::string_view text, bool keepBytes) {
-    const bool valid = isValidUtf8(text);
-    const std::string sanitised = (valid || keepBytes) ? std::string() : toDisplayText(text);
-    const std::string_view source = (valid || keepBytes) ? text : std::string_view(sanitised);
-    for (std::size_t i = 0; i < source.size(); ++i) {
-        const auto c = static_cast<unsigned char>(source[i]);
-        switch (c) {
-        case '"':
-            out << "\\\"";
-            break;
-        case '\\':
-            out << "\\\\";
-            break;
-        case '\n':
-            out << "\\n";
-            break;
-        case '\r':
-            out << "\\r";
-            break;
-        case '\t':
-            out << "\\t";
-            break;
-        case '\b':
-            out << "\\b";
-            break;
-        case '\f':
-            out << "\\f";
-            break;
-        default:
-            if (c < 0x20 || c == 0x7F || (keepBytes && !valid && c >= 0x80)) {
-                char escaped[8];
-                std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
-                out << escaped;
-            } else {
-                out << static_cast<char>(c);
-            }
-        }
-    }
 }
 
 } // namespace sondrel

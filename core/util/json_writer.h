@@ -1,8 +1,7 @@
 #pragma once
-// A small streaming JSON writer for the command line's --json output and exports.
-// Strings are written as valid UTF-8: bytes of invalid sequences become U+FFFD (paths that need
-// to round-trip exactly should be written with rawString, which escapes them as \u00XX of a
-// Latin-1 reading, the convention of ncdu's export format).
+// A small streaming JSON writer for the command line's --json output. Every string (keys and
+// values) is written with appendJsonString (core/util/text_escape.h): names and paths that are not
+// valid UTF-8 keep every byte as \udcXX escapes, so they can be told apart and read back.
 
 #include <cstdint>
 #include <ostream>
@@ -24,6 +23,7 @@ public:
     JsonWriter& endArray();
     /// Writes an object key; the next call writes its value.
     JsonWriter& key(std::string_view name);
+    /// Writes a string value; any bytes, see the encoding above.
     JsonWriter& value(std::string_view text);
     JsonWriter& value(const char* text) { return value(std::string_view(text)); }
     JsonWriter& value(std::int64_t number);
@@ -32,16 +32,11 @@ public:
     JsonWriter& value(double number);
     JsonWriter& value(bool flag);
     JsonWriter& null();
-    /// Writes bytes as a JSON string keeping every byte: valid UTF-8 passes through, other bytes
-    /// >= 0x80 are written as \u0080..\u00FF.
-    JsonWriter& rawString(std::string_view bytes);
-
-    /// Escapes `text` as the inside of a JSON string (no quotes), sanitising invalid UTF-8.
-    static void escapeInto(std::ostream& out, std::string_view text, bool keepBytes);
 
 private:
     void beforeValue();
     void newline();
+    void writeString(std::string_view bytes);
 
     std::ostream& m_out;
     bool m_pretty;

@@ -41,9 +41,6 @@ std::string joinPath(std::string_view folder, std::string_view name) {
     return path;
 }
 
-namespace {
-
-// Length of the well-formed UTF-8 sequence starting at `at`, or 0 when it is malformed.
 std::size_t utf8SequenceLength(std::string_view text, std::size_t at) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char lead = byte(at);
@@ -85,8 +82,6 @@ std::size_t utf8SequenceLength(std::string_view text, std::size_t at) {
     }
     return length;
 }
-
-} // namespace
 
 bool isValidUtf8(std::string_view text) {
     for (std::size_t i = 0; i < text.size();) {

@@ -22,6 +22,11 @@ std::string_view pathExtension(std::string_view path);
 /// Joins a folder path and a child name with exactly one '/' between them.
 std::string joinPath(std::string_view folder, std::string_view name);
 
+/// Length of the well-formed UTF-8 sequence that starts at byte `at` of `text` (1..4), or 0 when
+/// the bytes there do not start one (a stray continuation byte, an overlong form, a surrogate,
+/// a code point above U+10FFFF or a sequence cut short). `at` must be below text.size().
+std::size_t utf8SequenceLength(std::string_view text, std::size_t at);
+
 /// True when `text` is well-formed UTF-8 (no overlongs, no surrogates, nothing above U+10FFFF).
 bool isValidUtf8(std::string_view text);
 

@@ -52,10 +52,14 @@ TEST(CliClassify, OddNamesAreNeitherInterpretedNorCorrupted) {
     const std::string odd = "/tmp/a\nb \"q\" $(touch pwned) \xff.txt";
     const auto json = runProcess({SONDREL_CLI_PATH, "--json", "classify", "--", odd, "-dash"});
     ASSERT_EQ(json.exitCode, 0) << json.err;
-    EXPECT_NE(json.out.find("a\\nb \\\"q\\\" $(touch pwned) \xEF\xBF\xBD.txt"), std::string::npos)
+    EXPECT_NE(json.out.find("a\\nb \\\"q\\\" $(touch pwned) \\udcff.txt"), std::string::npos)
         << json.out;
     EXPECT_NE(json.out.find("\"category\": \"Documents\""), std::string::npos);
     EXPECT_NE(json.out.find("\"path\": \"-dash\""), std::string::npos);
+
+    const auto human = runProcess({SONDREL_CLI_PATH, "classify", "--", odd});
+    ASSERT_EQ(human.exitCode, 0) << human.err;
+    EXPECT_EQ(human.out.rfind("/tmp/a\\nb \"q\" $(touch pwned) \\377.txt\n", 0), 0U) << human.out;
 }
 
 } // namespace

@@ -49,6 +49,12 @@ TEST(CliMonitor, BadArguments) {
         EXPECT_EQ(result.exitCode, 2) << args[2];
         EXPECT_FALSE(result.err.empty());
     }
+    for (const std::string interval : {"-1", "0", "-0.5"}) {
+        const auto result = runProcess({SONDREL_CLI_PATH, "monitor", "--interval", interval});
+        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_EQ(result.err,
+                  "sondrel-cli: --interval must be positive: a number of seconds above 0\n");
+    }
 }
 
 } // namespace

@@ -15,9 +15,7 @@ namespace sondrel {
 namespace {
 
 std::string fixtureRoot(const std::string& name) {
-    std::string here = __FILE__;
-    here.erase(here.rfind('/'));
-    return here + "/../fixtures/proc/" + name;
+    return SONDREL_SOURCE_DIR "/tests/fixtures/proc/" + name;
 }
 
 // Standard output of a shell command line with fixed text; "" when it cannot run.

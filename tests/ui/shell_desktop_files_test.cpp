@@ -16,9 +16,7 @@ namespace sondrel {
 namespace {
 
 QString assetsDir() {
-    return QFileInfo(QStringLiteral(__FILE__))
-        .dir()
-        .absoluteFilePath(QStringLiteral("../../assets"));
+    return QStringLiteral(SONDREL_SOURCE_DIR "/assets");
 }
 
 // Runs `program` with `arguments`; skips when the tool is not installed.

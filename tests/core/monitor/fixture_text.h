@@ -9,9 +9,8 @@ namespace sondrel::test {
 
 /// The contents of tests/fixtures/proc/<relative>; "" when the file is missing.
 inline std::string procFixture(const std::string& relative) {
-    std::string here = __FILE__;
-    here.erase(here.rfind('/'));
-    std::ifstream in(here + "/../../fixtures/proc/" + relative, std::ios::binary);
+    std::ifstream in(std::string(SONDREL_SOURCE_DIR "/tests/fixtures/proc/") + relative,
+                     std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();

@@ -1,6 +1,7 @@
 // The JSON tree and ncdu export writers over a small hand-built tree.
 
 #include "core/scan/tree_export.h"
+#include "tests/fuzz/tree_export_fuzz_entry.h"
 
 #include <gtest/gtest.h>
 
@@ -8,24 +9,6 @@
 
 namespace sondrel {
 namespace {
-
-TEST(TreeExport, JsonStringsKeepEveryByte) {
-    const struct {
-        std::string_view bytes;
-        std::string_view json;
-    } cases[] = {
-        {"plain", "\"plain\""},
-        {"quote\" back\\", "\"quote\\\" back\\\\\""},
-        {"new\nline\ttab\x01", "\"new\\nline\\ttab\\u0001\""},
-        {"caf\xC3\xA9", "\"caf\xC3\xA9\""},                  // valid UTF-8 passes through
-        {"bad\xff\xC3\xA9", "\"bad\\u00ff\\u00c3\\u00a9\""}, // invalid: every high byte escaped
-    };
-    for (const auto& c : cases) {
-        std::string out;
-        appendJsonString(out, c.bytes);
-        EXPECT_EQ(out, c.json);
-    }
-}
 
 std::shared_ptr<FileTree> smallTree() {
     auto tree = std::make_shared<FileTree>("/data/home");
@@ -43,22 +26,59 @@ std::shared_ptr<FileTree> smallTree() {
     return tree;
 }
 
-TEST(TreeExport, JsonTreeHasEveryNodeWithItsPath) {
+TEST(TreeExport, JsonTreeNamesEveryNodeAndGivesTheRootItsPath) {
     std::ostringstream out;
     ASSERT_TRUE(writeTreeJson(out, FileItem::rootOf(smallTree())));
-    EXPECT_EQ(out.str(),
-              "{\"name\":\"home\",\"path\":\"/data/home\",\"size\":30,\"fileCount\":3,"
-              "\"category\":\"Other\",\"isDirectory\":true,\"children\":["
-              "{\"name\":\"docs\",\"path\":\"/data/home/docs\",\"size\":20,\"fileCount\":2,"
-              "\"category\":\"Other\",\"isDirectory\":true,\"children\":["
-              "{\"name\":\"deep\",\"path\":\"/data/home/docs/deep\",\"size\":15,\"fileCount\":1,"
-              "\"category\":\"Other\",\"isDirectory\":true,\"children\":[]},"
-              "{\"name\":\"a\\nb.txt\",\"path\":\"/data/home/docs/a\\nb.txt\",\"size\":5,"
-              "\"fileCount\":1,\"category\":\"Documents\",\"isDirectory\":false,\"children\":[]}"
-              "]},"
-              "{\"name\":\"Tool.app\",\"path\":\"/data/home/Tool.app\",\"size\":10,\"fileCount\":1,"
-              "\"category\":\"Applications\",\"isDirectory\":false,\"children\":[]}"
-              "]}\n");
+    EXPECT_EQ(out.str(), "{\"name\":\"home\",\"path\":\"/data/home\",\"size\":30,\"fileCount\":3,"
+                         "\"category\":\"Other\",\"isDirectory\":true,\"children\":["
+                         "{\"name\":\"docs\",\"size\":20,\"fileCount\":2,"
+                         "\"category\":\"Other\",\"isDirectory\":true,\"children\":["
+                         "{\"name\":\"deep\",\"size\":15,\"fileCount\":1,"
+                         "\"category\":\"Other\",\"isDirectory\":true,\"children\":[]},"
+                         "{\"name\":\"a\\nb.txt\",\"size\":5,"
+                         "\"fileCount\":1,\"category\":\"Documents\",\"isDirectory\":false}"
+                         "]},"
+                         "{\"name\":\"Tool.app\",\"size\":10,\"fileCount\":1,"
+                         "\"category\":\"Applications\",\"isDirectory\":false}"
+                         "]}\n");
+}
+
+TEST(TreeExport, JsonTreeSizeGrowsWithNodesNotDepth) {
+    // A chain of 2,000 folders with 100-byte names: each name is written once.
+    auto tree = std::make_shared<FileTree>("/chain");
+    NodeArena& arena = tree->arena();
+    FileNode* root = arena.create("chain", true, 1, 1);
+    FileNode* parent = root;
+    for (int i = 0; i < 2000; ++i) {
+        FileNode* child = arena.create(std::string(100, 'n'), true, 1, 1);
+        FileNode* only[] = {child};
+        setChildren(parent, only);
+        parent = child;
+    }
+    tree->setRoot(root);
+    std::ostringstream out;
+    ASSERT_TRUE(writeTreeJson(out, FileItem::rootOf(tree)));
+    EXPECT_LT(out.str().size(), 2001U * 200U);
+}
+
+TEST(TreeExport, NonUtf8NamesStayDistinctAndReadBack) {
+    // The byte E9 alone and the two bytes C3 A9 ("é") are different files.
+    const std::string file("\0\x08", 2); // a separator and the control byte of a file
+    const std::string input =
+        std::string("/data/caf\xE9") + file + "caf\xE9" + file + "caf\xC3\xA9" + file + "\x1b[2J";
+    const fuzz::FuzzTree built = fuzz::buildFuzzTree(input);
+    ASSERT_EQ(built.names.size(), 3U);
+    std::ostringstream json;
+    ASSERT_TRUE(writeTreeJson(json, FileItem::rootOf(built.tree)));
+    EXPECT_NE(json.str().find(R"("path":"/data/caf\udce9")"), std::string::npos) << json.str();
+    EXPECT_NE(json.str().find(R"({"name":"caf\udce9","size")"), std::string::npos);
+    EXPECT_NE(json.str().find("{\"name\":\"caf\xC3\xA9\",\"size\""), std::string::npos);
+    EXPECT_NE(json.str().find(R"({"name":"\u001b[2J","size")"), std::string::npos);
+    std::ostringstream ncdu;
+    ASSERT_TRUE(writeNcduExport(ncdu, FileItem::rootOf(built.tree), 0));
+    EXPECT_NE(ncdu.str().find(R"({"name":"caf\udce9","asize")"), std::string::npos);
+    EXPECT_TRUE(fuzz::checkTreeJson(input));
+    EXPECT_TRUE(fuzz::checkNcduExport(input));
 }
 
 TEST(TreeExport, NcduExportNestsFoldersAndGivesCollapsedFoldersTheirTotal) {
