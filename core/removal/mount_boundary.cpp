@@ -1,5 +1,7 @@
 #include "core/removal/mount_boundary.h"
 
+#include "core/fs/mount_table.h"
+
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -7,7 +9,6 @@
 #include <fcntl.h>
 #include <fstream>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <unistd.h>
 
@@ -50,48 +51,21 @@ std::optional<unsigned long long> fdInfoMountId(int fd) {
     return std::nullopt;
 }
 
-// A mount point field of /proc/self/mountinfo with its octal escapes ("\040") undone.
-std::string unescapeMountField(const std::string& field) {
-    std::string out;
-    for (std::size_t i = 0; i < field.size(); ++i) {
-        if (field[i] == '\\' && i + 3 < field.size()) {
-            const std::string digits = field.substr(i + 1, 3);
-            if (digits.size() == 3 && digits.find_first_not_of("01234567") == std::string::npos) {
-                out += static_cast<char>(std::strtol(digits.c_str(), nullptr, 8));
-                i += 3;
-                continue;
-            }
-        }
-        out += field[i];
-    }
-    return out;
-}
-
 // Whether the object open at `fd` is listed as a mount point in /proc/self/mountinfo; nothing
 // when /proc cannot tell.
 std::optional<bool> listedAsMountPoint(int fd) {
     char target[PATH_MAX];
     const ssize_t length =
         readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), target, sizeof target - 1);
-    std::ifstream in("/proc/self/mountinfo");
-    if (length <= 0 || target[0] != '/' || !in) {
+    if (length <= 0 || target[0] != '/') {
         return std::nullopt;
     }
-    const std::string path(target, static_cast<std::size_t>(length));
-    std::string line;
-    while (std::getline(in, line)) {
-        std::istringstream fields(line);
-        std::string id;
-        std::string parent;
-        std::string device;
-        std::string root;
-        std::string mountPoint;
-        if (fields >> id >> parent >> device >> root >> mountPoint &&
-            unescapeMountField(mountPoint) == path) {
-            return true;
-        }
+    const MountTable mounts = MountTable::read();
+    if (mounts.entries().empty()) {
+        return std::nullopt;
     }
-    return false;
+    return mounts.atMountPoint(std::string_view(target, static_cast<std::size_t>(length))) !=
+           nullptr;
 }
 
 } // namespace

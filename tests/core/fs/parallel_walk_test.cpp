@@ -3,6 +3,7 @@
 // careless walk out of descriptors or stack.
 
 #include "core/fs/parallel_walk.h"
+#include "tests/support/bind_mount.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -262,33 +263,14 @@ TEST(ParallelWalk, DeepChainsAndWideFoldersStayWithinDescriptorsAndStack) {
     EXPECT_EQ(visitor.skipped.load(), 0);
 }
 
-// Bind mounts need root and a mount namespace that allows them; skipped otherwise.
-class BindMount {
-public:
-    BindMount(const std::string& source, const std::string& target) : m_target(target) {
-        m_mounted =
-            geteuid() == 0 && mount(source.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) == 0;
-    }
-    ~BindMount() {
-        if (m_mounted) {
-            umount2(m_target.c_str(), MNT_DETACH);
-        }
-    }
-    bool mounted() const { return m_mounted; }
-
-private:
-    std::string m_target;
-    bool m_mounted = false;
-};
-
 TEST(ParallelWalk, MountsBelowTheRootAreEnteredOnceOrNotAtAll) {
     TempDir dir;
     dir.makeFile("tree/data/a", 10);
     dir.makeFile("outside/b", 20);
     dir.makeDir("tree/view-of-data");
     dir.makeDir("tree/view-of-outside");
-    const BindMount inside(dir / "tree/data", dir / "tree/view-of-data");
-    const BindMount outside(dir / "outside", dir / "tree/view-of-outside");
+    const test::ScopedBindMount inside(dir / "tree/data", dir / "tree/view-of-data");
+    const test::ScopedBindMount outside(dir / "outside", dir / "tree/view-of-outside");
     if (!inside.mounted() || !outside.mounted()) {
         GTEST_SKIP() << "bind mounts are not permitted here";
     }

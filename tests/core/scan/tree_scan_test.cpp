@@ -4,6 +4,7 @@
 
 #include "core/fs/mount_table.h"
 #include "core/scan/tree_scan.h"
+#include "tests/support/bind_mount.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +18,6 @@
 #include <mutex>
 #include <random>
 #include <set>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -611,21 +611,6 @@ TEST(TreeScan, CancelledScanShowsOnlyMeasuredEntries) {
     expectConsistent(result.rootItem());
 }
 
-// Bind mounts need root and a namespace that allows them; skipped otherwise.
-struct ScopedBind {
-    ScopedBind(const std::string& source, const std::string& mountPoint) : target(mountPoint) {
-        mounted =
-            geteuid() == 0 && mount(source.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) == 0;
-    }
-    ~ScopedBind() {
-        if (mounted) {
-            umount2(target.c_str(), MNT_DETACH);
-        }
-    }
-    std::string target;
-    bool mounted = false;
-};
-
 TEST(TreeScan, BindMountsAreEmptyFoldersAndCountNothingTwice) {
     TempDir dir;
     dir.makeFile("tree/photos/a.jpg", 10000);
@@ -633,9 +618,9 @@ TEST(TreeScan, BindMountsAreEmptyFoldersAndCountNothingTwice) {
     dir.makeFile("elsewhere/b.bin", 5000);
     dir.makeDir("tree/photos-again");
     dir.makeDir("tree/elsewhere-view");
-    const ScopedBind again(dir / "tree/photos", dir / "tree/photos-again");
-    const ScopedBind view(dir / "elsewhere", dir / "tree/elsewhere-view");
-    if (!again.mounted || !view.mounted) {
+    const test::ScopedBindMount again(dir / "tree/photos", dir / "tree/photos-again");
+    const test::ScopedBindMount view(dir / "elsewhere", dir / "tree/elsewhere-view");
+    if (!again.mounted() || !view.mounted()) {
         GTEST_SKIP() << "bind mounts are not permitted here";
     }
     const ScanResult result = scan(dir / "tree");
