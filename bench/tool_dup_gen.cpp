@@ -112,7 +112,8 @@ int main(int argc, char** argv) {
     const Kind photo{"Pictures", "jpg", scaled(2000000), scaled(8000000)};
     const Kind document{"Documents", "pdf", kMiB, scaled(5000000)};
     const Kind video{"Videos", "mp4", scaled(100000000), scaled(700000000)};
-    const char* const copyFolders[] = {"Downloads", "Desktop", "Documents/backup", "Pictures/export"};
+    const char* const copyFolders[] = {"Downloads", "Desktop", "Documents/backup",
+                                       "Pictures/export"};
 
     Random random{seed};
     std::vector<unsigned char> buffer;
@@ -172,7 +173,8 @@ int main(int argc, char** argv) {
         ++written;
         bytes += size;
         if (duplicateFiles < duplicateTarget && index >= 4 && written < files) {
-            const std::int64_t copies = std::min<std::int64_t>(random.between(1, 4), files - written);
+            const std::int64_t copies =
+                std::min<std::int64_t>(random.between(1, 4), files - written);
             for (std::int64_t c = 0; c < copies; ++c) {
                 const std::string copyFolder =
                     root + "/" + copyFolders[random.between(0, 3)] + "/" + std::to_string(c);
