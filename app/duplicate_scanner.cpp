@@ -63,9 +63,6 @@ void DuplicateScanner::postIfCurrent(std::uint64_t generation, std::function<voi
 
 bool DuplicateScanner::startJob(
     std::function<void(std::uint64_t, const std::shared_ptr<CancelToken>&)> work) {
-    if (m_scanning || m_trashing) {
-        return false;
-    }
     joinWorker(); // a cancelled worker stops at its next check
     const std::uint64_t generation = ++m_generation;
     m_cancel = std::make_shared<CancelToken>();

@@ -101,7 +101,8 @@ signals:
     void scanFinished();
 
 private:
-    // Runs `work` on the worker; GUI-thread code it posts runs only for the current generation.
+    // Runs `work` on a new worker (the caller checked that none is busy); GUI-thread code it
+    // posts runs only while its generation is current.
     bool startJob(std::function<void(std::uint64_t, const std::shared_ptr<CancelToken>&)> work);
     void postIfCurrent(std::uint64_t generation, std::function<void()> fn);
     void setStatus(const QString& message);

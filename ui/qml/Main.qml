@@ -5,6 +5,7 @@ import QtQml
 import "components"
 import "pages"
 import "monitor"
+import "duplicates"
 
 // The main window: the sidebar of eight sections beside the selected section's page. Every
 // engine comes from `appRoot`; no page creates one.
@@ -73,11 +74,10 @@ ApplicationWindow {
                 appRoot: window.appRoot
                 theme: window.theme
             }
-            PlaceholderPage {
+            DuplicateHunterPage {
                 objectName: "duplicatesPage"
+                scanner: window.appRoot.duplicateScanner
                 theme: window.theme
-                title: "Duplicate Hunter"
-                symbol: "doc.on.doc.fill"
             }
             PlaceholderPage {
                 objectName: "uninstallerPage"
