@@ -120,8 +120,7 @@ std::string DuplicateGroupsModel::pathOf(std::uint64_t fileId) const {
 QString DuplicateGroupsModel::dateText(std::int64_t modifiedNs) {
     const QDateTime when = QDateTime::fromMSecsSinceEpoch(modifiedNs / 1000000);
     const QLocale locale;
-    return locale.toString(when.date(), QStringLiteral("MMM d, yyyy")) + QStringLiteral(" at ") +
-           locale.toString(when.time(), QLocale::ShortFormat);
+    return locale.toString(when, QStringLiteral("MMM d, yyyy 'at' HH:mm"));
 }
 
 } // namespace sondrel

@@ -44,7 +44,7 @@ public:
     /// The path (bytes) of the file with `fileId`, empty when unknown.
     std::string pathOf(std::uint64_t fileId) const;
 
-    /// The date text of a modification time: medium date and short time in the locale.
+    /// The date text of a modification time: medium date and short time ("Mar 9, 2024 at 16:00").
     static QString dateText(std::int64_t modifiedNs);
 
 signals:

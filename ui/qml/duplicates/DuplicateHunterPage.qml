@@ -143,7 +143,6 @@ Rectangle {
 
                 ColumnLayout {
                     spacing: 2
-                    Layout.fillWidth: true
 
                     Text {
                         objectName: "setsText"
@@ -158,6 +157,9 @@ Rectangle {
                         color: page.theme.textSecondary
                         font.pixelSize: 12
                     }
+                }
+                Item {
+                    Layout.fillWidth: true
                 }
                 ThemedButton {
                     objectName: "keepNewestButton"
