@@ -203,8 +203,10 @@ TEST(DuplicateFinder, FilesChangedBetweenThePassesAreDropped) {
     unlink((dir / "vanishes.bin").c_str());
     truncate((dir / "shrinks.bin").c_str(), 1299999);
     test::writeBytes(dir / "grows.bin", bytes + "z");
-    unlink((dir / "replaced.bin").c_str());
-    writeBytes(dir / "replaced.bin", bytes); // same size and bytes, another inode
+    // Same size and bytes, another file: written beside it and renamed over it, so the old
+    // inode is still in use when the new one is allocated and the numbers differ.
+    writeBytes(dir / "replacement.tmp", bytes);
+    rename((dir / "replacement.tmp").c_str(), (dir / "replaced.bin").c_str());
 
     DuplicateScanOptions options;
     const DuplicateScanResult result = groupCandidates(std::move(candidates), options, cancel);
