@@ -41,6 +41,7 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
     : QObject(parent), m_locations(std::make_unique<const Locations>(std::move(locations))),
       m_themeManager(new ThemeManager(this)), m_diskScanner(new DiskScanner(this)),
       m_navigator(new StorageNavigator(this)), m_systemMonitor(new SystemMonitor(this)),
+      m_duplicateScanner(new DuplicateScanner(*m_locations, this)),
       m_selectedTargetFolder(toFileQString(m_locations->home)) {
     // A new tree replaces the navigator's state, so a folder or selection of the old tree is
     // never shown against the new root.

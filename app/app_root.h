@@ -8,6 +8,7 @@
 // Threading: GUI thread only. Ownership: AppRoot is the parent of every engine it creates.
 
 #include "app/disk_scanner.h"
+#include "app/duplicate_scanner.h"
 #include "app/navigation_section.h"
 #include "app/storage_navigator.h"
 #include "app/system_monitor.h"
@@ -34,6 +35,7 @@ class AppRoot : public QObject {
     Q_PROPERTY(sondrel::DiskScanner* diskScanner READ diskScanner CONSTANT)
     Q_PROPERTY(sondrel::StorageNavigator* navigator READ navigator CONSTANT)
     Q_PROPERTY(sondrel::SystemMonitor* systemMonitor READ systemMonitor CONSTANT)
+    Q_PROPERTY(sondrel::DuplicateScanner* duplicateScanner READ duplicateScanner CONSTANT)
     /// The shown section, a NavigationSection::Id (`Section.Storage` in QML); the window opens
     /// on Smart Care.
     Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
@@ -68,6 +70,7 @@ public:
     DiskScanner* diskScanner() const { return m_diskScanner; }
     StorageNavigator* navigator() const { return m_navigator; }
     SystemMonitor* systemMonitor() const { return m_systemMonitor; }
+    DuplicateScanner* duplicateScanner() const { return m_duplicateScanner; }
     const Locations& locations() const { return *m_locations; }
 
     int selectedSection() const { return static_cast<int>(m_selectedSection); }
@@ -155,6 +158,7 @@ private:
     DiskScanner* m_diskScanner = nullptr;
     StorageNavigator* m_navigator = nullptr;
     SystemMonitor* m_systemMonitor = nullptr;
+    DuplicateScanner* m_duplicateScanner = nullptr;
 
     NavigationSection::Id m_selectedSection = NavigationSection::SmartCare;
     QString m_selectedTargetFolder;

@@ -6,6 +6,7 @@ import "components"
 import "pages"
 import "monitor"
 import Sondrel
+import "duplicates"
 
 // The main window: the sidebar of eight sections beside the selected section's page. Every
 // engine comes from `appRoot`; no page creates one.
@@ -84,10 +85,10 @@ ApplicationWindow {
                 appRoot: window.appRoot
                 theme: window.theme
             }
-            PlaceholderPage {
-                objectName: section.page
+            DuplicateHunterPage {
+                objectName: window.sections[Section.Duplicates].page
+                scanner: window.appRoot.duplicateScanner
                 theme: window.theme
-                section: window.sections[Section.Duplicates]
             }
             PlaceholderPage {
                 objectName: section.page

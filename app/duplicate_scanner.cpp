@@ -1,0 +1,244 @@
+#include "app/duplicate_scanner.h"
+
+#include "app/file_reveal.h"
+#include "app/qt_conversions.h"
+#include "core/duplicates/duplicate_finder.h"
+#include "core/duplicates/duplicate_texts.h"
+#include "core/duplicates/duplicate_trash.h"
+#include "core/model/byte_format.h"
+#include "core/model/platform_terms.h"
+#include "core/util/cancel_token.h"
+#include "platform/duplicate_folders.h"
+#include "platform/locations.h"
+
+#include <QFileInfo>
+#include <QMetaObject>
+#include <QVariantMap>
+
+namespace sondrel {
+
+DuplicateScanner::DuplicateScanner(const Locations& locations, QObject* parent)
+    : QObject(parent), m_locations(std::make_unique<const Locations>(locations)),
+      m_model(new DuplicateGroupsModel(this)) {
+    connect(m_model, &DuplicateGroupsModel::selectionChanged, this,
+            &DuplicateScanner::selectionChanged);
+}
+
+DuplicateScanner::~DuplicateScanner() {
+    if (m_cancel) {
+        m_cancel->cancel();
+    }
+    ++m_generation;
+    joinWorker();
+}
+
+int DuplicateScanner::groupCount() const {
+    return static_cast<int>(m_model->groups().size());
+}
+
+int DuplicateScanner::selectedCount() const {
+    return static_cast<int>(totalSelectedCount(m_model->groups()));
+}
+
+QString DuplicateScanner::totalWastedText() const {
+    return QString::fromStdString(formatBytes(totalWastedSize(m_model->groups())));
+}
+
+void DuplicateScanner::joinWorker() {
+    if (m_worker.joinable()) {
+        m_worker.join();
+    }
+}
+
+void DuplicateScanner::postIfCurrent(std::uint64_t generation, std::function<void()> fn) {
+    QMetaObject::invokeMethod(
+        this,
+        [this, generation, fn = std::move(fn)] {
+            if (generation == m_generation) {
+                fn();
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+bool DuplicateScanner::startJob(
+    std::function<void(std::uint64_t, const std::shared_ptr<CancelToken>&)> work) {
+    joinWorker(); // a cancelled worker stops at its next check
+    const std::uint64_t generation = ++m_generation;
+    m_cancel = std::make_shared<CancelToken>();
+    m_worker = std::thread(
+        [work = std::move(work), generation, cancel = m_cancel] { work(generation, cancel); });
+    return true;
+}
+
+bool DuplicateScanner::scan(const QStringList& folders) {
+    if (m_scanning || m_trashing) {
+        return false;
+    }
+    std::vector<std::string> roots;
+    for (const QString& folder : folders) {
+        roots.push_back(toPathBytes(folder));
+    }
+    if (roots.empty()) {
+        roots = defaultDuplicateFolders(*m_locations);
+    }
+    setScanning(true);
+    setStatus(QString::fromUtf8(kDuplicateDiscoveringText));
+    return startJob(
+        [this, roots](std::uint64_t generation, const std::shared_ptr<CancelToken>& cancel) {
+            DuplicateScanOptions options;
+            options.folders = roots;
+            options.onProgress = [this, generation](const DuplicateScanProgress& progress) {
+                if (progress.phase != DuplicateScanProgress::Phase::hashing) {
+                    return;
+                }
+                const QString text = QString::fromStdString(
+                    duplicateHashingText(progress.clustersDone, progress.clusterCount));
+                postIfCurrent(generation, [this, text] { setStatus(text); });
+            };
+            auto result = std::make_shared<DuplicateScanResult>(findDuplicates(options, *cancel));
+            postIfCurrent(generation, [this, roots, result] {
+                m_scannedFolders = roots;
+                m_model->setGroups(std::move(result->groups));
+                setStatus(QString::fromStdString(duplicateFoundText(m_model->groups())));
+                setScanning(false);
+                emit scanFinished();
+            });
+        });
+}
+
+bool DuplicateScanner::scanFolderUrl(const QUrl& folder) {
+    if (!folder.isLocalFile()) {
+        return false;
+    }
+    const QString path = folder.toLocalFile();
+    if (!QFileInfo(path).isDir()) {
+        return false;
+    }
+    return scan({path});
+}
+
+void DuplicateScanner::cancel() {
+    if (!m_scanning || !m_cancel) {
+        return;
+    }
+    m_cancel->cancel();
+    ++m_generation; // drops whatever the cancelled scan still posts
+    setStatus(QString());
+    setScanning(false);
+}
+
+void DuplicateScanner::toggleFile(const QString& fileId) {
+    if (!m_trashing) {
+        m_model->toggleFile(fileId.toULongLong());
+    }
+}
+
+void DuplicateScanner::keepNewest() {
+    if (!m_trashing) {
+        m_model->autoSelect(true);
+    }
+}
+
+void DuplicateScanner::keepOldest() {
+    if (!m_trashing) {
+        m_model->autoSelect(false);
+    }
+}
+
+void DuplicateScanner::revealFile(const QString& fileId) const {
+    const std::string path = m_model->pathOf(fileId.toULongLong());
+    if (!path.empty()) {
+        revealInFileManager(toFileQString(path));
+    }
+}
+
+bool DuplicateScanner::trashSelected() {
+    return trashSelected(std::function<void(const QString&)>());
+}
+
+bool DuplicateScanner::trashSelected(std::function<void(const QString&)> completion) {
+    if (m_scanning || m_trashing) {
+        return false;
+    }
+    std::vector<DuplicateGroup> groups = m_model->groups();
+    const RemovalContext context = RemovalContext::forUser(*m_locations, m_scannedFolders);
+    setTrashing(true);
+    return startJob([this, groups = std::move(groups), context,
+                     completion](std::uint64_t generation,
+                                 const std::shared_ptr<CancelToken>& cancel) mutable {
+        auto onProgress = [this, generation](std::size_t done, std::size_t total) {
+            const QString text = QStringLiteral("Trashing %1 of %2 copies...").arg(done).arg(total);
+            postIfCurrent(generation, [this, text] {
+                m_trashProgressText = text;
+                emit trashProgressTextChanged();
+            });
+        };
+        auto report = std::make_shared<DuplicateTrashReport>(
+            trashSelectedDuplicates(std::move(groups), context, *cancel, onProgress));
+        postIfCurrent(generation, [this, report, completion] {
+            const QString message = QString::fromStdString(
+                duplicateTrashResultText(report->moved, report->freed, report->failures.size()));
+            m_model->setGroups(std::move(report->remaining));
+            m_trashProgressText.clear();
+            emit trashProgressTextChanged();
+            setTrashing(false);
+            if (completion) {
+                completion(message);
+            }
+            emit trashFinished(message);
+        });
+    });
+}
+
+QVariantMap DuplicateScanner::labels() {
+    const TextPlatform platform = currentTextPlatform();
+    auto term = [platform](const char* text) {
+        return QString::fromStdString(withPlatformTerms(text, platform));
+    };
+    return {
+        {"title", QStringLiteral("Duplicate Hunter")},
+        {"scanButton", QStringLiteral("Scan Duplicates")},
+        {"scanFolderButton", QStringLiteral("Scan Folder...")},
+        {"emptyTitle", QStringLiteral("No Duplicates Found")},
+        {"emptyText", term("Click 'Scan Duplicates' above to locate redundant files in your "
+                           "Downloads, Documents, Pictures, and Movies folders.")},
+        {"emptyButton", QStringLiteral("Scan For Duplicate Files")},
+        {"setsSuffix", QStringLiteral(" Duplicate Sets")},
+        {"wastedPrefix", QStringLiteral("Selected wasted space: ")},
+        {"keepNewest", QStringLiteral("Keep Newest")},
+        {"keepOldest", QStringLiteral("Keep Oldest")},
+        {"trashButton", QStringLiteral("Trash Selected (%1)")},
+        {"reveal", term("Reveal in Finder")},
+        {"confirmTitle", QStringLiteral("Trash Selected Duplicates?")},
+        {"confirmText", term("Selected duplicate copies will be moved into macOS Trash. Original "
+                             "copies will remain untouched.")},
+        {"cancel", QStringLiteral("Cancel")},
+        {"moveToTrash", QStringLiteral("Move to Trash")},
+        {"resultTitle", QStringLiteral("Duplicates Trashed")},
+        {"ok", QStringLiteral("OK")},
+    };
+}
+
+void DuplicateScanner::setStatus(const QString& message) {
+    if (m_statusMessage != message) {
+        m_statusMessage = message;
+        emit statusMessageChanged();
+    }
+}
+
+void DuplicateScanner::setScanning(bool scanning) {
+    if (m_scanning != scanning) {
+        m_scanning = scanning;
+        emit isScanningChanged();
+    }
+}
+
+void DuplicateScanner::setTrashing(bool trashing) {
+    if (m_trashing != trashing) {
+        m_trashing = trashing;
+        emit isTrashingChanged();
+    }
+}
+
+} // namespace sondrel
