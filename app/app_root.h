@@ -8,6 +8,7 @@
 // Threading: GUI thread only. Ownership: AppRoot is the parent of every engine it creates.
 
 #include "app/disk_scanner.h"
+#include "app/large_file_search.h"
 #include "app/storage_navigator.h"
 #include "app/system_monitor.h"
 #include "app/theme_manager.h"
@@ -45,6 +46,7 @@ class AppRoot : public QObject {
     Q_PROPERTY(sondrel::DiskScanner* diskScanner READ diskScanner CONSTANT)
     Q_PROPERTY(sondrel::StorageNavigator* navigator READ navigator CONSTANT)
     Q_PROPERTY(sondrel::SystemMonitor* systemMonitor READ systemMonitor CONSTANT)
+    Q_PROPERTY(sondrel::LargeFileSearch* largeFileSearch READ largeFileSearch CONSTANT)
     /// Index of the shown section (NavigationSection); the window opens on Smart Care (0).
     Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
                    selectedSectionChanged)
@@ -79,6 +81,7 @@ public:
     DiskScanner* diskScanner() const { return m_diskScanner; }
     StorageNavigator* navigator() const { return m_navigator; }
     SystemMonitor* systemMonitor() const { return m_systemMonitor; }
+    LargeFileSearch* largeFileSearch() const { return m_largeFileSearch; }
     const Locations& locations() const { return *m_locations; }
 
     int selectedSection() const { return static_cast<int>(m_selectedSection); }
@@ -162,6 +165,7 @@ private:
     DiskScanner* m_diskScanner = nullptr;
     StorageNavigator* m_navigator = nullptr;
     SystemMonitor* m_systemMonitor = nullptr;
+    LargeFileSearch* m_largeFileSearch = nullptr;
 
     NavigationSection m_selectedSection = NavigationSection::smartClean;
     QString m_selectedTargetFolder;

@@ -69,10 +69,11 @@ void appendUtf8(std::string& out, char32_t code) {
     }
 }
 
+// White space by the Unicode White_Space property, independent of the locale.
 bool isSpace(char32_t code) {
-    return code == 0xA0 || code == 0x2007 || code == 0x202F || code == 0xFEFF ||
-           (code < 0x80 ? (code == ' ' || (code >= '\t' && code <= '\r'))
-                        : std::iswspace(static_cast<wint_t>(code)) != 0);
+    return code == ' ' || (code >= '\t' && code <= '\r') || code == 0x85 || code == 0xA0 ||
+           code == 0x1680 || (code >= 0x2000 && code <= 0x200A) || code == 0x2028 ||
+           code == 0x2029 || code == 0x202F || code == 0x205F || code == 0x3000;
 }
 
 } // namespace

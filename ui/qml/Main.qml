@@ -5,6 +5,7 @@ import QtQml
 import "components"
 import "pages"
 import "monitor"
+import "search"
 
 // The main window: the sidebar of eight sections beside the selected section's page. Every
 // engine comes from `appRoot`; no page creates one.
@@ -91,11 +92,10 @@ ApplicationWindow {
                 title: "Junk & Dev Cache"
                 symbol: "sparkles"
             }
-            PlaceholderPage {
+            SmartSearchView {
                 objectName: "searchPage"
+                search: window.appRoot.largeFileSearch
                 theme: window.theme
-                title: "Intelligent Search"
-                symbol: "magnifyingglass"
             }
             SystemMonitorView {
                 objectName: "monitorPage"
