@@ -3,8 +3,7 @@
 #include "app/qt_conversions.h"
 #include "app/scan_target.h"
 #include "core/model/platform_terms.h"
-#include "core/removal/path_safety.h"
-#include "core/removal/trash.h"
+#include "core/removal/removal_chains.h"
 #include "platform/locations.h"
 
 #include <QDir>
@@ -17,24 +16,17 @@ namespace sondrel {
 
 namespace {
 
-constexpr int kSectionCount = 8;
-
 QString platformText(const char* text) {
     return QString::fromStdString(withPlatformTerms(text, currentTextPlatform()));
 }
 
-// The file manager's plain move to the Trash. The scan root, "/", the home folder and the
-// protected folders (~/.ssh, keyrings, ...) are refused before anything is moved.
+// The file manager's plain move to the Trash (or into the home trash by rename), never a
+// password prompt. The scan root, "/", the home folder and the protected folders (~/.ssh,
+// keyrings, ...) are refused before anything is moved; a path already gone counts as failure.
 bool moveToUserTrash(const std::string& path, const Locations& locations) {
-    if (checkRemovablePath(path, locations.home, {"/"}) != PathVerdict::allowed) {
-        return false;
-    }
-    TrashContext context;
-    context.home = locations.home;
-    context.dataHome = locations.dataHome;
-    context.uid = ::getuid();
-    context.gid = ::getgid();
-    return moveToTrash(path, context).ok;
+    const RemovalOutcome outcome =
+        moveDuplicateToTrash(path, RemovalContext::forUser(locations, {"/"}));
+    return outcome.step == RemovalStep::trash || outcome.step == RemovalStep::manualMove;
 }
 
 QVariantMap section(const QVariantMap& overview, const char* key) {
@@ -73,11 +65,11 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
 AppRoot::~AppRoot() = default;
 
 void AppRoot::setSelectedSection(int section) {
-    if (section < 0 || section >= kSectionCount || section == selectedSection()) {
+    if (!NavigationSection::isValid(section) || section == selectedSection()) {
         return;
     }
-    m_selectedSection = static_cast<NavigationSection>(section);
-    if (m_selectedSection == NavigationSection::monitor) {
+    m_selectedSection = static_cast<NavigationSection::Id>(section);
+    if (m_selectedSection == NavigationSection::Monitor) {
         m_systemMonitor->startMonitoring();
     } else {
         m_systemMonitor->stopMonitoring();
@@ -86,21 +78,19 @@ void AppRoot::setSelectedSection(int section) {
 }
 
 QStringList AppRoot::sectionTitles() {
-    return {QStringLiteral("Smart Care"),       QStringLiteral("Storage Scopix"),
-            QStringLiteral("Duplicate Hunter"), QStringLiteral("App Uninstaller"),
-            QStringLiteral("Junk & Dev Cache"), QStringLiteral("Intelligent Search"),
-            QStringLiteral("Live Telemetry"),   QStringLiteral("Themes & Settings")};
+    QStringList titles;
+    for (const NavigationSection::Row& row : NavigationSection::table()) {
+        titles << QString::fromUtf8(row.title);
+    }
+    return titles;
 }
 
 QStringList AppRoot::sectionSymbols() {
-    return {QStringLiteral("bolt.shield.fill"),
-            QStringLiteral("square.grid.2x2.fill"),
-            QStringLiteral("doc.on.doc.fill"),
-            QStringLiteral("trash.fill"),
-            QStringLiteral("sparkles"),
-            QStringLiteral("magnifyingglass"),
-            QStringLiteral("gauge.with.needle.fill"),
-            QStringLiteral("paintpalette.fill")};
+    QStringList symbols;
+    for (const NavigationSection::Row& row : NavigationSection::table()) {
+        symbols << QString::fromUtf8(row.symbol);
+    }
+    return symbols;
 }
 
 QString AppRoot::diskStripText() const {
@@ -150,7 +140,7 @@ void AppRoot::openFolderAtStart(const QString& folder) {
         return;
     }
     setSelectedTargetFolder(folder);
-    setSelectedSection(static_cast<int>(NavigationSection::treemap));
+    setSelectedSection(NavigationSection::Storage);
 }
 
 void AppRoot::windowAppeared() {
@@ -171,7 +161,7 @@ void AppRoot::windowAppeared() {
 void AppRoot::setApplicationActive(bool active) {
     if (!active) {
         m_systemMonitor->stopMonitoring();
-    } else if (m_selectedSection == NavigationSection::monitor) {
+    } else if (m_selectedSection == NavigationSection::Monitor) {
         m_systemMonitor->startMonitoring();
     }
 }

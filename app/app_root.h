@@ -9,6 +9,7 @@
 
 #include "app/disk_scanner.h"
 #include "app/large_file_search.h"
+#include "app/navigation_section.h"
 #include "app/storage_navigator.h"
 #include "app/system_monitor.h"
 #include "app/theme_manager.h"
@@ -28,18 +29,6 @@ namespace sondrel {
 struct Locations;
 struct CloudFolder;
 
-/// The sidebar's sections, in sidebar order.
-enum class NavigationSection : int {
-    smartClean,
-    treemap,
-    duplicates,
-    uninstaller,
-    junk,
-    search,
-    monitor,
-    settings,
-};
-
 class AppRoot : public QObject {
     Q_OBJECT
     Q_PROPERTY(sondrel::ThemeManager* themeManager READ themeManager CONSTANT)
@@ -47,13 +36,13 @@ class AppRoot : public QObject {
     Q_PROPERTY(sondrel::StorageNavigator* navigator READ navigator CONSTANT)
     Q_PROPERTY(sondrel::SystemMonitor* systemMonitor READ systemMonitor CONSTANT)
     Q_PROPERTY(sondrel::LargeFileSearch* largeFileSearch READ largeFileSearch CONSTANT)
-    /// Index of the shown section (NavigationSection); the window opens on Smart Care (0).
+    /// The shown section, a NavigationSection::Id (`Section.Storage` in QML); the window opens
+    /// on Smart Care.
     Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
                    selectedSectionChanged)
-    /// The eight section titles, in order.
-    Q_PROPERTY(QStringList sectionTitles READ sectionTitles CONSTANT)
-    /// The eight section icon symbols, in order.
-    Q_PROPERTY(QStringList sectionSymbols READ sectionSymbols CONSTANT)
+    /// The section table (NavigationSection::toVariantList): maps with "section", "title",
+    /// "symbol" and "page", in sidebar order.
+    Q_PROPERTY(QVariantList sections READ sections CONSTANT)
     /// The folder the next scan or rescan walks (a path as Qt stores file names).
     Q_PROPERTY(
         QString selectedTargetFolder READ selectedTargetFolder NOTIFY selectedTargetFolderChanged)
@@ -85,11 +74,15 @@ public:
     const Locations& locations() const { return *m_locations; }
 
     int selectedSection() const { return static_cast<int>(m_selectedSection); }
-    /// Shows another section (out-of-range values are ignored). Showing "Live Telemetry"
-    /// starts the monitor; showing any other section stops it.
+    /// Shows another section (values that are no NavigationSection::Id are ignored). Showing
+    /// "Live Telemetry" starts the monitor; showing any other section stops it.
     void setSelectedSection(int section);
 
+    /// The section table for QML (NavigationSection::toVariantList()).
+    static QVariantList sections() { return NavigationSection::toVariantList(); }
+    /// The section titles in sidebar order.
     static QStringList sectionTitles();
+    /// The section icon symbols in sidebar order.
     static QStringList sectionSymbols();
 
     const QString& selectedTargetFolder() const { return m_selectedTargetFolder; }
@@ -167,7 +160,7 @@ private:
     SystemMonitor* m_systemMonitor = nullptr;
     LargeFileSearch* m_largeFileSearch = nullptr;
 
-    NavigationSection m_selectedSection = NavigationSection::smartClean;
+    NavigationSection::Id m_selectedSection = NavigationSection::SmartCare;
     QString m_selectedTargetFolder;
     QVariantList m_scanTargets;
     bool m_appeared = false;

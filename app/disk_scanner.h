@@ -2,17 +2,18 @@
 // DiskScanner: the storage section's engine. It walks one chosen folder into a FileItem tree
 // (core/scan does the walk) and publishes the progress and the finished tree to QML.
 //
-// Threading: every method and property belongs to the GUI thread. The walk runs on a worker
-// thread of this object; the worker never touches a property, it posts queued calls to this
-// object instead, so properties are written on the GUI thread only. Progress comes from the
-// walk's atomic counters, at most once every 0.08 s.
+// Threading: every method and property belongs to the GUI thread. The walk runs as this
+// object's BackgroundJob; the worker never touches a property, it posts to the GUI thread, so
+// properties are written there only. Progress comes from the walk's atomic counters, at most once
+// every 0.08 s.
 //
 // Lifecycle: Idle -> scan() -> Scanning -> finished (Idle, new rootItem). cancel() returns the
 // interface to Idle at once ("Scan cancelled"); the worker stops at its next check and still
 // publishes the partial tree and the closing summary. A scan request while isScanning is true
-// is ignored. The object may be destroyed during a scan: the destructor cancels and joins the
-// worker, and queued calls to a destroyed object are dropped by Qt.
+// is ignored. The object may be destroyed during a scan: the job cancels and joins the worker,
+// and nothing is published afterwards.
 
+#include "app/background_job.h"
 #include "core/model/file_item.h"
 #include "core/scan/tree_scan.h"
 #include "core/util/cancel_token.h"
@@ -20,10 +21,7 @@
 #include <QObject>
 #include <QString>
 #include <QtGlobal>
-#include <cstdint>
-#include <memory>
 #include <string>
-#include <thread>
 
 namespace sondrel {
 
@@ -55,7 +53,7 @@ public:
     DiskScanner(const DiskScanner&) = delete;
     DiskScanner& operator=(const DiskScanner&) = delete;
 
-    bool isScanning() const { return m_isScanning; }
+    bool isScanning() const { return m_job.isBusy(); }
     const QString& progressText() const { return m_progressText; }
     const QString& currentPath() const { return m_currentPath; }
     qint64 scannedCount() const { return m_scannedCount; }
@@ -94,32 +92,24 @@ signals:
     void scanFinished();
 
 private:
-    void setScanning(bool scanning);
     void setProgressText(const QString& text);
     void setCurrentPath(const QString& path);
     void setProgress(qint64 count, qint64 bytes);
     void setAccessDenied(bool denied);
-    void joinWorker();
-    // GUI thread: a progress report of scan `generation` arrived.
-    void applyProgress(std::uint64_t generation, const ScanProgress& progress);
-    // GUI thread: scan `generation` ended with `result`.
-    void finishScan(std::uint64_t generation, const ScanResult& result);
+    // GUI thread: a progress report of the running scan arrived.
+    void applyProgress(const ScanProgress& progress);
+    // GUI thread: the scan of the folder shown as `targetName` ended with `result`.
+    void finishScan(const std::string& targetName, const ScanResult& result);
+    void clearRootItem();
 
-    bool m_isScanning = false;
     QString m_progressText;
     QString m_currentPath;
     qint64 m_scannedCount = 0;
     qint64 m_scannedBytes = 0;
     bool m_accessDenied = false;
     FileItem m_rootItem;
-
-    // Scan generation: results of a superseded scan are dropped when they arrive.
-    std::uint64_t m_generation = 0;
-    // Display name of the running scan's target (for a late refusal).
-    std::string m_targetName;
-    // Cancel flag of the running walk, shared with its worker.
-    std::shared_ptr<CancelToken> m_cancel;
-    std::thread m_worker;
+    // The walk; last, so that its worker is joined before the members above go away.
+    BackgroundJob m_job;
 };
 
 } // namespace sondrel

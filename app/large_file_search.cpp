@@ -10,8 +10,6 @@
 #include "platform/locations.h"
 #include "platform/search_roots.h"
 
-#include <QMetaObject>
-#include <QtConcurrent/QtConcurrentRun>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,16 +35,20 @@ struct LargeFileSearch::Run {
     LargeFileList files;
 };
 
+// What a trash request hands back.
+struct LargeFileSearch::TrashOutcome {
+    std::vector<std::string> moved;
+    QString report;
+};
+
 LargeFileSearch::LargeFileSearch(const Locations& locations, QObject* parent)
     : QObject(parent), m_locations(std::make_unique<const Locations>(locations)),
-      m_results(new LargeFileResultsModel(this)), m_statusText(fromView(kSearchReadyText)) {}
-
-LargeFileSearch::~LargeFileSearch() {
-    if (m_cancel) {
-        m_cancel->cancel();
-    }
-    m_work.waitForFinished();
+      m_results(new LargeFileResultsModel(this)), m_statusText(fromView(kSearchReadyText)) {
+    connect(&m_searchJob, &BackgroundJob::busyChanged, this, &LargeFileSearch::isSearchingChanged);
+    connect(&m_trashJob, &BackgroundJob::busyChanged, this, &LargeFileSearch::isTrashingChanged);
 }
+
+LargeFileSearch::~LargeFileSearch() = default;
 
 QVariantMap LargeFileSearch::labels() {
     return {
@@ -83,66 +85,53 @@ void LargeFileSearch::scanFolder(const QString& folder) {
 }
 
 void LargeFileSearch::start(std::optional<std::string> target, bool wholeDrive) {
-    if (m_searching || m_trashing) {
+    if (isSearching() || isTrashing()) {
         return;
     }
-    m_work.waitForFinished(); // a cancelled search stops at its next entry
-    const std::uint64_t generation = ++m_generation;
-    m_cancel = std::make_shared<CancelToken>();
-    setSearching(true);
-    setStatusText(fromView(kSearchRunningText));
-    setProgressText(QString());
-
-    m_work = QtConcurrent::run([this, generation, cancel = m_cancel, target = std::move(target),
-                                wholeDrive, locations = *m_locations] {
-        auto run = std::make_shared<Run>();
-        const bool home = target && isHomeFolder(locations, *target);
-        run->roots = largeSearchRoots(locations, target,
-                                      home ? cloudFolderPathsForCurrentUser(locations)
-                                           : std::vector<std::string>{});
-        run->singleTarget = target && !home;
-        LargeSearchOptions options;
-        options.oneFilesystem = wholeDrive;
-        options.onProgress = [this, generation](const LargeSearchProgress& progress) {
-            const QString text =
-                fromView(searchProgressText(progress.filesChecked, progress.filesFound));
-            QMetaObject::invokeMethod(
-                this,
-                [this, generation, text] {
-                    if (generation == m_generation && m_searching) {
-                        setProgressText(text);
-                    }
-                },
-                Qt::QueuedConnection);
-        };
-        run->result = searchLargeFiles(run->roots, options, *cancel);
-        run->files = LargeFileList(std::move(run->result.files));
-        QMetaObject::invokeMethod(
-            this, [this, generation, run] { publish(generation, run); }, Qt::QueuedConnection);
-    });
+    const bool started = m_searchJob.start(
+        [this, target = std::move(target), wholeDrive,
+         locations = *m_locations](const JobContext& job) {
+            Run run;
+            const bool home = target && isHomeFolder(locations, *target);
+            run.roots = largeSearchRoots(locations, target,
+                                         home ? cloudFolderPathsForCurrentUser(locations)
+                                              : std::vector<std::string>{});
+            run.singleTarget = target && !home;
+            LargeSearchOptions options;
+            options.oneFilesystem = wholeDrive;
+            options.onProgress = [this, &job](const LargeSearchProgress& progress) {
+                const QString text =
+                    fromView(searchProgressText(progress.filesChecked, progress.filesFound));
+                job.post([this, text] { setProgressText(text); });
+            };
+            run.result = searchLargeFiles(run.roots, options, job.cancelToken());
+            run.files = LargeFileList(std::move(run.result.files));
+            return std::make_shared<Run>(std::move(run));
+        },
+        [this](const std::shared_ptr<Run>& run) { publish(*run); });
+    if (started) {
+        setStatusText(fromView(kSearchRunningText));
+        setProgressText(QString());
+    }
 }
 
-void LargeFileSearch::publish(std::uint64_t generation, const std::shared_ptr<Run>& run) {
-    if (generation != m_generation) {
-        return; // a newer search has started since
-    }
-    const std::size_t found = run->files.files().size();
+void LargeFileSearch::publish(Run& run) {
+    const std::size_t found = run.files.files().size();
     std::size_t walked = 0;
-    for (const SearchRootOutcome& root : run->result.roots) {
+    for (const SearchRootOutcome& root : run.result.roots) {
         walked += root.walked ? 1 : 0;
     }
     QString status;
-    if (run->result.cancelled) {
+    if (run.result.cancelled) {
         status = fromView(searchCancelledText(found));
-    } else if (walked == 0 || (run->singleTarget && !run->result.roots.front().walked)) {
-        status = fromView(searchRootsMissingText(run->roots.empty() ? "" : run->roots.front(),
-                                                 run->singleTarget ? 1 : run->roots.size()));
+    } else if (walked == 0 || (run.singleTarget && !run.result.roots.front().walked)) {
+        status = fromView(searchRootsMissingText(run.roots.empty() ? "" : run.roots.front(),
+                                                 run.singleTarget ? 1 : run.roots.size()));
     } else {
         status = fromView(searchFinishedText(found));
     }
-    m_roots = run->roots;
-    m_results->setFiles(std::move(run->files));
-    setSearching(false);
+    m_roots = run.roots;
+    m_results->setFiles(std::move(run.files));
     setProgressText(QString());
     setStatusText(status);
     if (!m_hasSearched) {
@@ -152,12 +141,10 @@ void LargeFileSearch::publish(std::uint64_t generation, const std::shared_ptr<Ru
 }
 
 void LargeFileSearch::cancel() {
-    if (!m_searching) {
+    if (!m_searchJob.cancel()) {
         return;
     }
-    m_cancel->cancel();
     // The interface is idle at once; the files found so far arrive with publish().
-    setSearching(false);
     setProgressText(QString());
     setStatusText(fromView(searchCancelledText(0)));
 }
@@ -176,67 +163,54 @@ QString LargeFileSearch::trashQuestion() const {
 
 void LargeFileSearch::trashSelected() {
     const std::vector<std::string> paths = m_results->selectedPaths();
-    if (m_searching || m_trashing || paths.empty()) {
+    if (isSearching() || isTrashing() || paths.empty()) {
         return;
     }
-    m_work.waitForFinished();
-    m_trashing = true;
-    emit isTrashingChanged();
-    const std::uint64_t generation = m_generation;
-
     RemovalContext context;
     context.trash.home = m_locations->home;
     context.trash.dataHome = m_locations->dataHome;
     context.trash.uid = getuid();
     context.trash.gid = getgid();
     context.allowedRoots = m_roots;
-    m_work = QtConcurrent::run([this, generation, paths, context] {
-        std::vector<std::string> moved;
-        std::int64_t movedBytes = 0;
-        std::size_t failed = 0;
-        std::string firstReason;
-        for (const std::string& path : paths) {
-            struct stat info {};
-            const std::int64_t size = lstat(path.c_str(), &info) == 0 ? info.st_size : 0;
-            const RemovalOutcome outcome = safeMoveToTrash(path, context);
-            if (outcome.removed) {
-                moved.push_back(path);
-                movedBytes += size;
-            } else {
-                ++failed;
-                if (firstReason.empty()) {
-                    firstReason = outcome.message.empty() ? std::string(describe(outcome.step))
-                                                          : outcome.message;
+    // The rows belong to this search; a newer one's rows are not touched by the outcome.
+    const std::uint64_t search = m_searchJob.generation();
+    m_trashJob.start(
+        [paths, context](const JobContext&) {
+            TrashOutcome outcome;
+            std::int64_t movedBytes = 0;
+            std::size_t failed = 0;
+            std::string firstReason;
+            for (const std::string& path : paths) {
+                struct stat info {};
+                const std::int64_t size = lstat(path.c_str(), &info) == 0 ? info.st_size : 0;
+                const RemovalOutcome removal = safeMoveToTrash(path, context);
+                if (removal.removed) {
+                    outcome.moved.push_back(path);
+                    movedBytes += size;
+                } else {
+                    ++failed;
+                    if (firstReason.empty()) {
+                        firstReason = removal.message.empty() ? std::string(describe(removal.step))
+                                                              : removal.message;
+                    }
                 }
             }
-        }
-        const QString report =
-            fromView(trashReportText(moved.size(), movedBytes, failed, firstReason));
-        QMetaObject::invokeMethod(
-            this,
-            [this, generation, moved, report] {
-                if (generation == m_generation) {
-                    m_results->removePaths(moved);
-                }
-                m_trashing = false;
-                emit isTrashingChanged();
-                m_noticeText = report;
-                emit noticeTextChanged();
-            },
-            Qt::QueuedConnection);
-    });
+            outcome.report =
+                fromView(trashReportText(outcome.moved.size(), movedBytes, failed, firstReason));
+            return std::make_shared<TrashOutcome>(std::move(outcome));
+        },
+        [this, search](const std::shared_ptr<TrashOutcome>& outcome) {
+            if (search == m_searchJob.generation()) {
+                m_results->removePaths(outcome->moved);
+            }
+            m_noticeText = outcome->report;
+            emit noticeTextChanged();
+        });
 }
 
 bool LargeFileSearch::revealRow(int row) const {
     const LargeFile* file = m_results->fileAt(row);
     return file != nullptr && revealInFileManager(toFileQString(file->path));
-}
-
-void LargeFileSearch::setSearching(bool searching) {
-    if (searching != m_searching) {
-        m_searching = searching;
-        emit isSearchingChanged();
-    }
 }
 
 void LargeFileSearch::setStatusText(const QString& text) {

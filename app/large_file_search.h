@@ -5,18 +5,17 @@
 // to the Trash through the removal chains.
 //
 // Threading: every method and property belongs to the GUI thread. Searches and trash requests
-// run on Qt's global thread pool; their results and progress come back as queued calls and are
-// applied on the GUI thread only, and only when they belong to the newest request (a generation
-// number), so a cancelled search never overwrites a newer one.
+// run as BackgroundJobs: their results and progress are applied on the GUI thread only, and a
+// result of a search that a newer one replaced is dropped.
 //
 // Lifecycle: Idle -> scanHome()/scanDrive()/scanFolder() -> Searching -> Idle with results.
 // cancel() returns to Idle at once ("Scan cancelled: ..."); the files found until the walk
 // stopped are still shown. A request while a search (or a trash) runs is ignored. Destroying the
 // engine cancels a running search and waits for it.
 
+#include "app/background_job.h"
 #include "app/large_file_results_model.h"
 
-#include <QFuture>
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
@@ -28,8 +27,6 @@
 namespace sondrel {
 
 struct Locations;
-class CancelToken;
-
 class LargeFileSearch : public QObject {
     Q_OBJECT
     /// True while a search runs (false at once after cancel()).
@@ -55,13 +52,13 @@ class LargeFileSearch : public QObject {
 public:
     /// An engine for the home of `locations`; cloud folders are those of the running user.
     explicit LargeFileSearch(const Locations& locations, QObject* parent = nullptr);
-    /// Cancels a running search and waits for it to stop.
+    /// Cancels a running search and waits for it to stop (through its job).
     ~LargeFileSearch() override;
     LargeFileSearch(const LargeFileSearch&) = delete;
     LargeFileSearch& operator=(const LargeFileSearch&) = delete;
 
-    bool isSearching() const { return m_searching; }
-    bool isTrashing() const { return m_trashing; }
+    bool isSearching() const { return m_searchJob.isBusy(); }
+    bool isTrashing() const { return m_trashJob.isBusy(); }
     bool hasSearched() const { return m_hasSearched; }
     const QString& statusText() const { return m_statusText; }
     const QString& progressText() const { return m_progressText; }
@@ -97,24 +94,22 @@ signals:
 
 private:
     struct Run;
+    struct TrashOutcome;
     void start(std::optional<std::string> target, bool wholeDrive);
-    void publish(std::uint64_t generation, const std::shared_ptr<Run>& run);
-    void setSearching(bool searching);
+    void publish(Run& run);
     void setStatusText(const QString& text);
     void setProgressText(const QString& text);
 
     std::unique_ptr<const Locations> m_locations;
     LargeFileResultsModel* m_results = nullptr;
-    bool m_searching = false;
-    bool m_trashing = false;
     bool m_hasSearched = false;
     QString m_statusText;
     QString m_progressText;
     QString m_noticeText;
     std::vector<std::string> m_roots; ///< roots of the search whose results are shown
-    std::uint64_t m_generation = 0;
-    std::shared_ptr<CancelToken> m_cancel;
-    QFuture<void> m_work; ///< the running search or trash, waited for on destruction
+    // Last members: destroyed (and their workers joined) first.
+    BackgroundJob m_trashJob;
+    BackgroundJob m_searchJob;
 };
 
 } // namespace sondrel

@@ -40,12 +40,7 @@ int runTrash(CommandContext& context) {
         throw UsageError("trash needs at least one PATH");
     }
 
-    RemovalContext removal;
-    removal.trash.home = context.locations.home;
-    removal.trash.dataHome = context.locations.dataHome;
-    removal.trash.uid = getuid();
-    removal.trash.gid = getgid();
-    removal.allowedRoots = roots;
+    const RemovalContext removal = RemovalContext::forUser(context.locations, roots);
 
     std::size_t failed = 0;
     JsonWriter json(context.out);

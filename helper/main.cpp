@@ -11,7 +11,7 @@
 #include "core/removal/path_safety.h"
 #include "core/removal/permanent_removal.h"
 #include "core/removal/privileged_helper_client.h"
-#include "core/removal/trash.h"
+#include "core/removal/removal_chains.h"
 
 #include <cerrno>
 #include <climits>
@@ -122,13 +122,10 @@ std::string handle(HelperVerb verb, const std::string& path, const Caller& calle
         return report.failures.empty() ? "not removed" : report.failures.front().reason;
     }
     clearImmutableFlags(item);
-    TrashContext context;
-    context.home = caller.home;
-    context.dataHome = caller.dataHome;
-    context.uid = caller.uid;
-    context.gid = caller.gid;
-    context.strictPaths = true;
-    const TrashResult result = moveToTrash(item, context);
+    RemovalContext context =
+        RemovalContext::forUser(caller.home, caller.dataHome, roots, caller.uid, caller.gid);
+    context.trash.strictPaths = true;
+    const TrashResult result = moveToTrash(item, context.trash);
     if (!result.ok) {
         return result.error;
     }

@@ -1,5 +1,7 @@
 #include "core/removal/folder_fd.h"
 
+#include "core/fs/folder_listing.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -60,6 +62,17 @@ int FolderFd::release() {
     const int fd = m_fd;
     m_fd = -1;
     return fd;
+}
+
+bool listFolder(int fd, std::vector<FolderEntry>& entries) {
+    // Heap memory is aligned for dirent64; one buffer per call keeps deep recursion off the stack.
+    std::vector<std::byte> buffer(kListingBufferBytes);
+    const ListingEnd end =
+        forEachEntryAt(fd, buffer.data(), buffer.size(), [&entries](const ListedEntry& entry) {
+            entries.push_back({std::string(entry.name), entry.type});
+            return true;
+        });
+    return end == ListingEnd::complete;
 }
 
 FolderFd openFolder(const std::string& path, bool strict) {

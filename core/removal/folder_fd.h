@@ -6,6 +6,7 @@
 
 #include <string>
 #include <sys/types.h>
+#include <vector>
 
 namespace sondrel {
 
@@ -28,6 +29,18 @@ public:
 private:
     int m_fd = -1;
 };
+
+/// One entry of a listed folder: its name (bytes) and its DT_* type as the kernel listed it.
+struct FolderEntry {
+    std::string name;
+    unsigned char type = 0;
+};
+
+/// Appends the entries of the folder open at `fd` (without "." and "..", read from the
+/// descriptor's current offset) to `entries`. Reading all names before acting on them keeps the
+/// listing stable while entries are renamed or unlinked. False with errno set when the listing
+/// failed part way; what was read is kept.
+bool listFolder(int fd, std::vector<FolderEntry>& entries);
 
 /// Opens the folder at absolute `path` (read-only, O_DIRECTORY, close-on-exec). Without
 /// `strict` links on the way are followed like open(2) does; with `strict` every component is

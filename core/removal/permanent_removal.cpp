@@ -1,12 +1,14 @@
 #include "core/removal/permanent_removal.h"
 
 #include "core/removal/folder_fd.h"
+#include "core/removal/mount_boundary.h"
 #include "core/removal/path_safety.h"
 #include "core/removal/trash.h"
 
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
@@ -28,55 +30,39 @@ void addFailure(RemovalReport& report, std::string path, int error) {
     report.failures.push_back({std::move(path), std::strerror(error)});
 }
 
-// Lists the names in the open folder `dirFd` (without "." and ".."). Reading all names first
-// keeps the listing stable while entries are unlinked.
-bool listNames(int dirFd, std::vector<std::string>& names) {
-    const int copy = dup(dirFd);
-    if (copy < 0) {
-        return false;
-    }
-    DIR* dir = fdopendir(copy);
-    if (dir == nullptr) {
-        close(copy);
-        return false;
-    }
-    errno = 0;
-    while (const dirent* entry = readdir(dir)) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..") {
-            names.emplace_back(name);
-        }
-    }
-    const bool ok = errno == 0;
-    closedir(dir);
-    return ok;
-}
+constexpr const char* kMountPointText = "a mount point: nothing in it is removed";
 
-void removeEntry(int parentFd, const std::string& name, const std::string& path, dev_t device,
+void removeEntry(int parentFd, const std::string& name, const std::string& path,
                  RemovalReport& report);
 
-// Removes everything inside the open folder `dirFd`, staying on `device`.
-void removeContents(int dirFd, const std::string& path, dev_t device, RemovalReport& report) {
-    std::vector<std::string> names;
-    if (!listNames(dirFd, names)) {
+// Removes everything inside the open folder `dirFd`.
+void removeContents(int dirFd, const std::string& path, RemovalReport& report) {
+    std::vector<FolderEntry> entries;
+    if (!listFolder(dirFd, entries)) {
         addFailure(report, path, errno != 0 ? errno : EIO);
     }
-    for (const std::string& name : names) {
-        removeEntry(dirFd, name, path + "/" + name, device, report);
+    for (const FolderEntry& entry : entries) {
+        removeEntry(dirFd, entry.name, path + "/" + entry.name, report);
     }
 }
 
-// Removes the entry `name` of the open folder `parentFd`.
-void removeEntry(int parentFd, const std::string& name, const std::string& path, dev_t device,
+// Removes the entry `name` of the open folder `parentFd`. A mount point is neither entered nor
+// removed: it is checked by name before anything is done and, for a folder, again on the
+// descriptor that the walk then uses.
+void removeEntry(int parentFd, const std::string& name, const std::string& path,
                  RemovalReport& report) {
-    struct stat info {};
-    if (fstatat(parentFd, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+    EntryStatus status;
+    if (!statEntryAt(parentFd, name.c_str(), status)) {
         if (errno != ENOENT) {
             addFailure(report, path, errno);
         }
         return;
     }
-    if (S_ISDIR(info.st_mode)) {
+    if (status.mountPoint) {
+        report.failures.push_back({path, kMountPointText});
+        return;
+    }
+    if (S_ISDIR(status.stat.stx_mode)) {
         if (raceHook()) {
             raceHook()(path);
         }
@@ -90,17 +76,12 @@ void removeEntry(int parentFd, const std::string& name, const std::string& path,
         if (child.valid()) {
             // Opened without following links: whatever it is now, it is a real folder inside
             // the parent we hold open, so the walk cannot leave the item.
-            struct stat opened {};
-            if (fstat(child.get(), &opened) != 0) {
-                addFailure(report, path, errno);
-                return;
-            }
-            if (opened.st_dev != device) {
-                report.failures.push_back({path, "on another file system; not entered"});
+            if (isMountBoundary(parentFd, child.get())) {
+                report.failures.push_back({path, kMountPointText});
                 return;
             }
             const std::size_t failuresBefore = report.failures.size();
-            removeContents(child.get(), path, device, report);
+            removeContents(child.get(), path, report);
             if (unlinkat(parentFd, name.c_str(), AT_REMOVEDIR) == 0) {
                 ++report.removedEntries;
             } else if (errno != ENOENT &&
@@ -112,11 +93,14 @@ void removeEntry(int parentFd, const std::string& name, const std::string& path,
         // The folder was swapped for something else (a link) after it was looked at: remove
         // that thing itself below.
     }
+    // A name that became a mount point since it was looked at cannot be unlinked (EBUSY).
     if (unlinkat(parentFd, name.c_str(), 0) == 0) {
         ++report.removedEntries;
     } else if (errno == EISDIR) {
         // Swapped for a folder after it was looked at: walk it like any other folder.
-        removeEntry(parentFd, name, path, device, report);
+        removeEntry(parentFd, name, path, report);
+    } else if (errno == EBUSY) {
+        report.failures.push_back({path, kMountPointText});
     } else if (errno != ENOENT) {
         addFailure(report, path, errno);
     }
@@ -166,7 +150,21 @@ RemovalReport removePermanently(const std::string& path, const std::string& home
     const std::string parent = slash == 0 ? std::string("/") : normal->substr(0, slash);
     const std::string leaf = normal->substr(slash + 1);
 
-    const FolderFd parentFd = openFolder(parent, strict);
+    // The item's folder is reached from "/" without following any link: a resolved path in
+    // strict mode, else resolved here. A folder swapped for a link afterwards makes it fail.
+    std::string walked = parent;
+    if (!strict) {
+        char buffer[PATH_MAX];
+        if (realpath(parent.c_str(), buffer) == nullptr) {
+            if (errno != ENOENT) {
+                addFailure(report, *normal, errno);
+            }
+            report.removed = !pathExists(*normal);
+            return report;
+        }
+        walked = buffer;
+    }
+    const FolderFd parentFd = openFolder(walked, true);
     if (!parentFd.valid()) {
         if (errno != ENOENT) {
             addFailure(report, *normal, errno);
@@ -174,21 +172,7 @@ RemovalReport removePermanently(const std::string& path, const std::string& home
         report.removed = !pathExists(*normal);
         return report;
     }
-    struct stat parentInfo {};
-    struct stat info {};
-    if (fstat(parentFd.get(), &parentInfo) != 0 ||
-        fstatat(parentFd.get(), leaf.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
-        if (errno != ENOENT) {
-            addFailure(report, *normal, errno);
-        }
-        report.removed = !pathExists(*normal);
-        return report;
-    }
-    if (S_ISDIR(info.st_mode) && info.st_dev != parentInfo.st_dev) {
-        report.failures.push_back({*normal, "a mount point; not removed"});
-        return report;
-    }
-    removeEntry(parentFd.get(), leaf, *normal, info.st_dev, report);
+    removeEntry(parentFd.get(), leaf, *normal, report);
     report.removed =
         faccessat(parentFd.get(), leaf.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT;
     if (report.removed) {

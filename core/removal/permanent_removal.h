@@ -24,15 +24,18 @@ struct RemovalReport {
 };
 
 /// Removes `path` (absolute) and, for a folder, everything below it. A link at any level is
-/// removed itself, never followed; folders on another filesystem (mount points) are not entered
-/// and are reported; entries that cannot be removed (immutable, permission) are reported and the
-/// rest go on. When `path` is an entry of a trash's files/ folder (the home trash under
-/// `homeTrash`, or a $topdir/.Trash-$uid / .Trash/$uid), its .trashinfo and directorysizes line
-/// go too. Does not check the path against the safety rules: callers do (checkRemovablePath).
+/// removed itself, never followed; mount points (told by mount identity, so bind mounts of the
+/// same file system too; see mount_boundary.h) are neither entered nor removed and are
+/// reported, the item itself included; entries that cannot be removed (immutable, permission) are
+/// reported and the rest go on. When `path` is an entry of a trash's files/ folder (the home trash
+/// under `homeTrash`, or a $topdir/.Trash-$uid / .Trash/$uid), its .trashinfo and directorysizes
+/// line go too. Does not check the path against the safety rules: callers do (checkRemovablePath).
 /// Blocking; safe on any thread. Very deep trees are limited by the open-file limit (each level
-/// holds one descriptor); deeper levels are reported as failures. With `strict` (the privileged
-/// helper, on a fully resolved path) the item's folder is reached from "/" without following any
-/// link, so a folder swapped for a link after the path was checked makes the removal fail.
+/// holds one descriptor); deeper levels are reported as failures. The item's folder is always
+/// reached from "/" without following any link: with `strict` (the removal chains and the
+/// privileged helper, on a path they resolved and checked) `path` must be fully resolved, and
+/// a folder swapped for a link after the check makes the removal fail; without it the item's
+/// folder is resolved here first.
 RemovalReport removePermanently(const std::string& path, const std::string& homeTrash = {},
                                 bool strict = false);
 

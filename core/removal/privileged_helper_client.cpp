@@ -1,14 +1,8 @@
 #include "core/removal/privileged_helper_client.h"
 
-#include <cerrno>
+#include "core/util/subprocess.h"
+
 #include <charconv>
-#include <csignal>
-#include <ctime>
-#include <fcntl.h>
-#include <poll.h>
-#include <pthread.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace sondrel {
 
@@ -19,52 +13,6 @@ namespace {
 constexpr int kPkexecDismissed = 126;
 constexpr int kPkexecNotRun = 127;
 
-// Writes `input` to `inFd` while reading `outFd` until both are done, so neither side blocks
-// on a full pipe.
-void pump(int inFd, int outFd, const std::string& input, std::string& output) {
-    std::size_t written = 0;
-    if (input.empty()) {
-        close(inFd);
-        inFd = -1;
-    }
-    char buffer[4096];
-    while (outFd >= 0) {
-        pollfd fds[2] = {{outFd, POLLIN, 0}, {inFd, POLLOUT, 0}};
-        const nfds_t count = inFd >= 0 ? 2 : 1;
-        if (poll(fds, count, -1) < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            break;
-        }
-        if (inFd >= 0 && (fds[1].revents & (POLLOUT | POLLERR | POLLHUP)) != 0) {
-            const ssize_t n = write(inFd, input.data() + written, input.size() - written);
-            if (n > 0) {
-                written += static_cast<std::size_t>(n);
-            }
-            if (n < 0 && errno != EINTR && errno != EAGAIN) {
-                written = input.size();
-            }
-            if (written >= input.size()) {
-                close(inFd);
-                inFd = -1;
-            }
-        }
-        if ((fds[0].revents & (POLLIN | POLLHUP | POLLERR)) != 0) {
-            const ssize_t n = read(outFd, buffer, sizeof buffer);
-            if (n > 0) {
-                output.append(buffer, static_cast<std::size_t>(n));
-            } else if (n == 0 || errno != EINTR) {
-                close(outFd);
-                outFd = -1;
-            }
-        }
-    }
-    if (inFd >= 0) {
-        close(inFd);
-    }
-}
-
 } // namespace
 
 std::string_view helperVerbName(HelperVerb verb) {
@@ -72,58 +20,15 @@ std::string_view helperVerbName(HelperVerb verb) {
 }
 
 CommandOutcome runCommand(const std::vector<std::string>& argv, const std::string& input) {
+    SubprocessRequest request;
+    request.argv = argv;
+    request.input = input;
+    request.captureError = false;
+    const SubprocessResult result = runSubprocess(request);
     CommandOutcome outcome;
-    if (argv.empty()) {
-        return outcome;
-    }
-    int toChild[2];
-    int fromChild[2];
-    if (pipe2(toChild, O_CLOEXEC) != 0) {
-        return outcome;
-    }
-    if (pipe2(fromChild, O_CLOEXEC) != 0) {
-        close(toChild[0]);
-        close(toChild[1]);
-        return outcome;
-    }
-    std::vector<char*> args;
-    for (const std::string& arg : argv) {
-        args.push_back(const_cast<char*>(arg.c_str()));
-    }
-    args.push_back(nullptr);
-
-    // A helper that exits before reading all of its input must not kill us with SIGPIPE.
-    sigset_t pipeSignal;
-    sigset_t previous;
-    sigemptyset(&pipeSignal);
-    sigaddset(&pipeSignal, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &pipeSignal, &previous);
-
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(toChild[0], STDIN_FILENO);
-        dup2(fromChild[1], STDOUT_FILENO);
-        pthread_sigmask(SIG_SETMASK, &previous, nullptr);
-        execvp(args[0], args.data());
-        _exit(kPkexecNotRun);
-    }
-    close(toChild[0]);
-    close(fromChild[1]);
-    if (child < 0) {
-        close(toChild[1]);
-        close(fromChild[0]);
-    } else {
-        pump(toChild[1], fromChild[0], input, outcome.output);
-        int status = 0;
-        while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-        }
-        outcome.started = true;
-        outcome.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    }
-    const timespec zero{0, 0};
-    while (sigtimedwait(&pipeSignal, nullptr, &zero) > 0) {
-    }
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    outcome.started = result.started;
+    outcome.exitStatus = result.status();
+    outcome.output = result.out;
     return outcome;
 }
 

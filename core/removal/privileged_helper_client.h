@@ -32,8 +32,9 @@ struct CommandOutcome {
 using CommandRunner =
     std::function<CommandOutcome(const std::vector<std::string>& argv, const std::string& input)>;
 
-/// The default runner: fork + execvp, no shell, stdin from `input`, stdout collected, stderr
-/// inherited. Blocking on the caller's thread.
+/// The default runner (runSubprocess): argv[0] searched on PATH, no shell, stdin from `input`,
+/// stdout collected, stderr inherited, no time limit (a password dialog waits for the user).
+/// A program that cannot be started gives `started == false`. Blocking on the caller's thread.
 CommandOutcome runCommand(const std::vector<std::string>& argv, const std::string& input);
 
 /// The helper's answer for one path.

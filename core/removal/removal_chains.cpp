@@ -2,9 +2,18 @@
 
 #include "core/removal/permanent_removal.h"
 
+#include <climits>
+#include <cstdlib>
+#include <unistd.h>
+
 namespace sondrel {
 
 namespace {
+
+std::function<void(const std::string&)>& chainHook() {
+    static std::function<void(const std::string&)> hook;
+    return hook;
+}
 
 RemovalOutcome success(RemovalStep step) {
     return RemovalOutcome{true, step, {}};
@@ -21,6 +30,62 @@ std::optional<RemovalOutcome> refusal(const std::string& path, const RemovalCont
         return std::nullopt;
     }
     return RemovalOutcome{false, RemovalStep::refused, std::string(describe(verdict))};
+}
+
+// realpath() of `path`, or of its deepest existing folder with the missing rest appended.
+std::string resolvedAllowingMissing(const std::string& path) {
+    std::string head = path;
+    std::string tail;
+    while (head.size() > 1) {
+        char buffer[PATH_MAX];
+        if (realpath(head.c_str(), buffer) != nullptr) {
+            return (std::string(buffer) == "/" ? "" : std::string(buffer)) + tail;
+        }
+        const std::size_t slash = head.rfind('/');
+        tail = head.substr(slash) + tail;
+        head = slash == 0 ? std::string("/") : head.substr(0, slash);
+    }
+    return tail.empty() ? std::string("/") : tail;
+}
+
+// An item fixed for acting on: its folder resolved through links once, the resolved path
+// checked again under the rules, and a strict trash context, so every step walks exactly this
+// path from "/" without following any link. A folder on the way swapped for a link after this
+// makes the steps fail instead of acting outside the roots.
+struct FixedItem {
+    std::string path;
+    TrashContext trash;
+};
+
+// Checks `path` and fixes it; an outcome when the chain stops here (refused, already gone).
+std::optional<RemovalOutcome> fixItem(const std::string& path, const RemovalContext& context,
+                                      FixedItem& item) {
+    if (std::optional<RemovalOutcome> refused = refusal(path, context)) {
+        return refused;
+    }
+    if (!pathExists(path)) {
+        return success(RemovalStep::alreadyGone);
+    }
+    const std::string normal = *normalizeAbsolutePath(path);
+    const std::size_t slash = normal.rfind('/');
+    char buffer[PATH_MAX];
+    if (realpath(slash == 0 ? "/" : normal.substr(0, slash).c_str(), buffer) == nullptr) {
+        return pathExists(path) ? failure("cannot find the item's folder")
+                                : success(RemovalStep::alreadyGone);
+    }
+    item.path = (std::string(buffer) == "/" ? "" : std::string(buffer)) + normal.substr(slash);
+    if (std::optional<RemovalOutcome> refused = refusal(item.path, context)) {
+        return refused;
+    }
+    item.trash = context.trash;
+    item.trash.strictPaths = true;
+    if (const std::optional<std::string> dataHome = normalizeAbsolutePath(context.trash.dataHome)) {
+        item.trash.dataHome = resolvedAllowingMissing(*dataHome);
+    }
+    if (chainHook()) {
+        chainHook()(path);
+    }
+    return std::nullopt;
 }
 
 std::string firstFailure(const RemovalReport& report) {
@@ -53,22 +118,20 @@ RemovalOutcome administratorStep(HelperVerb verb, const std::string& path,
 
 RemovalOutcome trashChain(const std::string& path, const RemovalContext& context,
                           bool withAdministrator) {
-    if (std::optional<RemovalOutcome> refused = refusal(path, context)) {
-        return *refused;
+    FixedItem item;
+    if (std::optional<RemovalOutcome> stop = fixItem(path, context, item)) {
+        return *stop;
     }
-    if (!pathExists(path)) {
-        return success(RemovalStep::alreadyGone);
-    }
-    clearImmutableFlags(path);
-    const TrashResult trashed = moveToTrash(path, context.trash);
-    if (trashed.ok && !pathExists(path)) {
+    clearImmutableFlags(item.path);
+    const TrashResult trashed = moveToTrash(item.path, item.trash);
+    if (trashed.ok && !pathExists(item.path)) {
         return success(RemovalStep::trash);
     }
-    const TrashResult moved = moveIntoHomeTrashManually(path, context.trash);
-    if (moved.ok && !pathExists(path)) {
+    const TrashResult moved = moveIntoHomeTrashManually(item.path, item.trash);
+    if (moved.ok && !pathExists(item.path)) {
         return success(RemovalStep::manualMove);
     }
-    if (!pathExists(path)) {
+    if (!pathExists(item.path)) {
         return success(RemovalStep::alreadyGone);
     }
     std::string message = trashed.error.empty() ? "not moved to the Trash" : trashed.error;
@@ -78,30 +141,46 @@ RemovalOutcome trashChain(const std::string& path, const RemovalContext& context
     if (!withAdministrator) {
         return failure(message);
     }
-    return administratorStep(HelperVerb::trash, path, context, message);
+    return administratorStep(HelperVerb::trash, item.path, context, message);
 }
 
 } // namespace
 
+RemovalContext RemovalContext::forUser(const std::string& home, const std::string& dataHome,
+                                       std::vector<std::string> allowedRoots) {
+    return forUser(home, dataHome, std::move(allowedRoots), getuid(), getgid());
+}
+
+RemovalContext RemovalContext::forUser(const std::string& home, const std::string& dataHome,
+                                       std::vector<std::string> allowedRoots, uid_t uid,
+                                       gid_t gid) {
+    RemovalContext context;
+    context.trash.home = home;
+    context.trash.dataHome = dataHome;
+    context.trash.uid = uid;
+    context.trash.gid = gid;
+    context.allowedRoots =
+        allowedRoots.empty() ? std::vector<std::string>{home} : std::move(allowedRoots);
+    return context;
+}
+
 RemovalOutcome deleteItemSafely(const std::string& path, bool isTrashGroup,
                                 const RemovalContext& context) {
-    if (std::optional<RemovalOutcome> refused = refusal(path, context)) {
-        return *refused;
-    }
-    if (!pathExists(path)) {
-        return success(RemovalStep::alreadyGone);
+    FixedItem item;
+    if (std::optional<RemovalOutcome> stop = fixItem(path, context, item)) {
+        return *stop;
     }
     if (!isTrashGroup) {
-        const TrashResult trashed = moveToTrash(path, context.trash);
-        if (trashed.ok && !pathExists(path)) {
+        const TrashResult trashed = moveToTrash(item.path, item.trash);
+        if (trashed.ok && !pathExists(item.path)) {
             return success(RemovalStep::trash);
         }
     }
-    const RemovalReport report = removePermanently(path, context.trash.homeTrash());
+    const RemovalReport report = removePermanently(item.path, item.trash.homeTrash(), true);
     if (report.removed) {
         return success(RemovalStep::permanent);
     }
-    return administratorStep(HelperVerb::remove, path, context, firstFailure(report));
+    return administratorStep(HelperVerb::remove, item.path, context, firstFailure(report));
 }
 
 RemovalOutcome deleteWithAdminPrivileges(const std::string& path, const RemovalContext& context) {
@@ -117,6 +196,10 @@ RemovalOutcome safeMoveToTrash(const std::string& path, const RemovalContext& co
 
 RemovalOutcome moveDuplicateToTrash(const std::string& path, const RemovalContext& context) {
     return trashChain(path, context, false);
+}
+
+void setRemovalChainHookForTesting(std::function<void(const std::string& path)> hook) {
+    chainHook() = std::move(hook);
 }
 
 std::string_view describe(RemovalStep step) {

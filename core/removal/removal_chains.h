@@ -12,6 +12,7 @@
 #include "core/removal/privileged_helper_client.h"
 #include "core/removal/trash.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,21 @@ struct RemovalContext {
     TrashContext trash;
     std::vector<std::string> allowedRoots;
     const PrivilegedHelperClient* administrator = nullptr;
+
+    /// The context for the running user (getuid/getgid) with the home `home` and the data
+    /// folder `dataHome` (the home trash is dataHome + "/Trash"), allowing `allowedRoots`, or
+    /// the home alone when none are given. No administrator step; the clock is the system's.
+    static RemovalContext forUser(const std::string& home, const std::string& dataHome,
+                                  std::vector<std::string> allowedRoots = {});
+    /// The same for the user `uid`/`gid` (the privileged helper acting for its caller).
+    static RemovalContext forUser(const std::string& home, const std::string& dataHome,
+                                  std::vector<std::string> allowedRoots, uid_t uid, gid_t gid);
+    /// The same from anything that names `home` and `dataHome` (the platform's Locations).
+    template <class Folders>
+    static RemovalContext forUser(const Folders& locations,
+                                  std::vector<std::string> allowedRoots = {}) {
+        return forUser(locations.home, locations.dataHome, std::move(allowedRoots));
+    }
 };
 
 /// The step of a chain that removed the item (or that the chain stopped at).
@@ -60,6 +76,11 @@ RemovalOutcome safeMoveToTrash(const std::string& path, const RemovalContext& co
 /// Duplicate chain for one path: like safeMoveToTrash without the administrator step, so it
 /// never asks for a password. Blocking; keeps no state.
 RemovalOutcome moveDuplicateToTrash(const std::string& path, const RemovalContext& context);
+
+/// Test seam: `hook` is called by every chain with the item's path after the path passed the
+/// safety rules and before the first step acts on it, so a test can swap a folder on the way for
+/// a link at exactly that moment. Empty by default; set it only while no chain runs.
+void setRemovalChainHookForTesting(std::function<void(const std::string& path)> hook);
 
 /// A one-line English description of a step ("moved to the Trash").
 std::string_view describe(RemovalStep step);

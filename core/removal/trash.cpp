@@ -1,6 +1,7 @@
 #include "core/removal/trash.h"
 
 #include "core/removal/folder_fd.h"
+#include "core/removal/mount_boundary.h"
 #include "core/removal/path_safety.h"
 #include "core/removal/trash_info.h"
 #include "core/util/path_text.h"
@@ -9,10 +10,12 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
+#include <optional>
 #include <random>
+#include <set>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace sondrel {
@@ -41,30 +44,39 @@ void giveToUser(int fd, const TrashContext& context) {
     }
 }
 
-// Gives the whole moved item back to the user, without following links or leaving its file
-// system: after an administrator move the user must be able to empty the Trash.
-void giveTreeToUser(int dirFd, dev_t device, const TrashContext& context) {
-    const int copy = dup(dirFd);
-    DIR* dir = copy >= 0 ? fdopendir(copy) : nullptr;
-    if (dir == nullptr) {
-        if (copy >= 0) {
-            close(copy);
+// True when the entry open at `fd` may be given to the trash's user: a folder (folders have no
+// hard links), an inode with a single link, or one the user owns already. A hard link to
+// someone else's file stays theirs.
+bool mayHandBack(int fd, const TrashContext& context) {
+    struct stat info {};
+    return fstatat(fd, "", &info, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW) == 0 &&
+           (S_ISDIR(info.st_mode) || info.st_nlink == 1 || info.st_uid == context.uid);
+}
+
+// Gives the entry `name` of the open folder `parentFd`, and for a folder everything below it,
+// back to the user after an administrator move, so that the user can empty the Trash. Every
+// entry is opened without following links and checked on that descriptor before it is chowned:
+// mount points (and all below them) and hard links to other people's files are left alone.
+void handBackAt(int parentFd, const std::string& name, const TrashContext& context) {
+    const FolderFd folder(openat(parentFd, name.c_str(),
+                                 O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (folder.valid()) {
+        if (isMountBoundary(parentFd, folder.get())) {
+            return;
+        }
+        [[maybe_unused]] const int ignored = fchown(folder.get(), context.uid, context.gid);
+        std::vector<FolderEntry> entries;
+        listFolder(folder.get(), entries);
+        for (const FolderEntry& entry : entries) {
+            handBackAt(folder.get(), entry.name, context);
         }
         return;
     }
-    while (const dirent* entry = readdir(dir)) {
-        const std::string_view name = entry->d_name;
-        if (name == "." || name == "..") {
-            continue;
-        }
-        fchownat(dirFd, entry->d_name, context.uid, context.gid, AT_SYMLINK_NOFOLLOW);
-        const FolderFd child(openat(dirFd, entry->d_name, kFolderFlags));
-        struct stat info {};
-        if (child.valid() && fstat(child.get(), &info) == 0 && info.st_dev == device) {
-            giveTreeToUser(child.get(), device, context);
-        }
+    const FolderFd entry(openat(parentFd, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (entry.valid() && !isMountBoundary(parentFd, entry.get()) &&
+        mayHandBack(entry.get(), context)) {
+        fchownat(entry.get(), "", context.uid, context.gid, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW);
     }
-    closedir(dir);
 }
 
 // The trash folder with its files/ and info/ open.
@@ -95,56 +107,80 @@ bool openHomeTrash(const std::string& trashDir, const TrashContext& context, Ope
     return openSubfolders(trash, context);
 }
 
-// Bytes allocated below the open folder `dirFd`, walked without following links.
-unsigned long long folderBytes(int dirFd, dev_t device) {
-    unsigned long long total = 0;
-    const int copy = dup(dirFd);
-    DIR* dir = copy >= 0 ? fdopendir(copy) : nullptr;
-    if (dir == nullptr) {
-        if (copy >= 0) {
-            close(copy);
-        }
-        return 0;
-    }
-    while (const dirent* entry = readdir(dir)) {
-        const std::string_view name = entry->d_name;
-        if (name == "." || name == "..") {
+// What a folder about to be trashed holds: whether a mount point lies anywhere in it, and its
+// size as `du -B1` counts it (allocated bytes, the folder's own blocks included, each
+// multiply-linked inode once).
+struct FolderSurvey {
+    bool holdsMount = false;
+    unsigned long long bytes = 0;
+    std::set<std::pair<dev_t, ino_t>> linked;
+};
+
+// Walks the open folder `dirFd` without following links; stops at the first mount point.
+void surveyFolder(int dirFd, FolderSurvey& survey) {
+    std::vector<FolderEntry> entries;
+    listFolder(dirFd, entries);
+    for (const FolderEntry& entry : entries) {
+        EntryStatus status;
+        if (!statEntryAt(dirFd, entry.name.c_str(), status)) {
             continue;
         }
-        struct stat info {};
-        if (fstatat(dirFd, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
-            continue;
+        if (status.mountPoint) {
+            survey.holdsMount = true;
+            return;
         }
-        total += static_cast<unsigned long long>(info.st_blocks) * 512ULL;
-        if (S_ISDIR(info.st_mode) && info.st_dev == device) {
-            const FolderFd child(openat(dirFd, entry->d_name, kFolderFlags));
-            if (child.valid()) {
-                total += folderBytes(child.get(), device);
+        const struct statx& info = status.stat;
+        const bool counted =
+            S_ISDIR(info.stx_mode) || info.stx_nlink == 1 ||
+            survey.linked.emplace(makedev(info.stx_dev_major, info.stx_dev_minor), info.stx_ino)
+                .second;
+        if (counted) {
+            survey.bytes += info.stx_blocks * 512ULL;
+        }
+        if (S_ISDIR(info.stx_mode)) {
+            const FolderFd child(openat(dirFd, entry.name.c_str(), kFolderFlags));
+            if (child.valid() && isMountBoundary(dirFd, child.get())) {
+                survey.holdsMount = true;
+            } else if (child.valid()) {
+                surveyFolder(child.get(), survey);
+            }
+            if (survey.holdsMount) {
+                return;
             }
         }
     }
-    closedir(dir);
-    return total;
 }
 
-// Reads the file `name` of the open folder; a missing file reads as empty.
-bool readFileAt(int dirFd, const char* name, std::string& text) {
-    const int fd = openat(dirFd, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0) {
-        return errno == ENOENT;
+// How reading a small record file of a trash went.
+enum class RecordRead : unsigned char {
+    read,    ///< the text was read
+    missing, ///< there is no such file
+    foreign, ///< not a regular file of `owner`'s alone (a link, a hard link, someone else's)
+    failed,  ///< it could not be read
+};
+
+// Reads the file `name` of the open folder when it is a regular file owned by `owner` with a
+// single link. Anything else is never read: running as root, its content must not end up in a
+// file the user owns.
+RecordRead readRecordAt(int dirFd, const char* name, uid_t owner, std::string& text) {
+    const FolderFd fd(openat(dirFd, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!fd.valid()) {
+        return errno == ENOENT ? RecordRead::missing
+                               : (errno == ELOOP ? RecordRead::foreign : RecordRead::failed);
     }
     struct stat info {};
-    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
-        close(fd);
-        return false;
+    if (fstat(fd.get(), &info) != 0) {
+        return RecordRead::failed;
+    }
+    if (!S_ISREG(info.st_mode) || info.st_nlink != 1 || info.st_uid != owner) {
+        return RecordRead::foreign;
     }
     char buffer[8192];
     ssize_t got = 0;
-    while ((got = read(fd, buffer, sizeof buffer)) > 0) {
+    while ((got = read(fd.get(), buffer, sizeof buffer)) > 0) {
         text.append(buffer, static_cast<std::size_t>(got));
     }
-    close(fd);
-    return got == 0;
+    return got == 0 ? RecordRead::read : RecordRead::failed;
 }
 
 // Replaces the file `name` of the open folder with `text` through a temporary file and
@@ -175,19 +211,21 @@ bool replaceFileAt(int dirFd, const char* name, const std::string& text, uid_t u
     return false;
 }
 
+// Adds the line of the trashed folder `name` to the trash's directorysizes. A directorysizes
+// that is not the user's own plain file is replaced by a fresh one, never read.
 void addDirectorySize(const OpenTrash& trash, const std::string& name, const std::string& infoName,
-                      const TrashContext& context) {
-    const FolderFd moved(openat(trash.files.get(), name.c_str(), kFolderFlags));
-    struct stat folder {};
+                      unsigned long long bytes, const TrashContext& context) {
     struct stat info {};
-    if (!moved.valid() || fstat(moved.get(), &folder) != 0 ||
-        fstatat(trash.info.get(), infoName.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (fstatat(trash.info.get(), infoName.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
         return;
     }
-    const unsigned long long bytes = folderBytes(moved.get(), folder.st_dev);
     std::string text;
-    if (!readFileAt(trash.dir.get(), "directorysizes", text)) {
+    const RecordRead read = readRecordAt(trash.dir.get(), "directorysizes", context.uid, text);
+    if (read == RecordRead::failed) {
         return;
+    }
+    if (read == RecordRead::foreign) {
+        text.clear();
     }
     if (!text.empty() && text.back() != '\n') {
         text += '\n';
@@ -199,7 +237,8 @@ void addDirectorySize(const OpenTrash& trash, const std::string& name, const std
 // Writes the .trashinfo (O_EXCL, first free name) and renames the item into files/.
 TrashResult moveWithInfo(int itemParent, const std::string& leaf, const OpenTrash& trash,
                          const std::string& trashDir, const std::string& infoPathText,
-                         bool isFolder, const TrashContext& context) {
+                         std::optional<unsigned long long> folderBytes,
+                         const TrashContext& context) {
     TrashResult result;
     result.trashDir = trashDir;
     const std::string text = formatTrashInfo(infoPathText, formatDeletionDate(context.now()));
@@ -236,16 +275,10 @@ TrashResult moveWithInfo(int itemParent, const std::string& leaf, const OpenTras
             return result;
         }
         if (runningForAnotherUser(context)) {
-            fchownat(trash.files.get(), name.c_str(), context.uid, context.gid,
-                     AT_SYMLINK_NOFOLLOW);
-            const FolderFd moved(openat(trash.files.get(), name.c_str(), kFolderFlags));
-            struct stat info {};
-            if (moved.valid() && fstat(moved.get(), &info) == 0) {
-                giveTreeToUser(moved.get(), info.st_dev, context);
-            }
+            handBackAt(trash.files.get(), name, context);
         }
-        if (isFolder) {
-            addDirectorySize(trash, name, infoName, context);
+        if (folderBytes) {
+            addDirectorySize(trash, name, infoName, *folderBytes, context);
         }
         result.ok = true;
         result.trashedPath = trashDir + "/files/" + name;
@@ -314,6 +347,7 @@ struct OpenItem {
     std::string leaf;
     FolderFd parent;
     struct stat info {};
+    std::optional<unsigned long long> folderBytes; // for a folder: its size as du counts it
 };
 
 bool openItem(const std::string& path, const TrashContext& context, OpenItem& item,
@@ -337,19 +371,43 @@ bool openItem(const std::string& path, const TrashContext& context, OpenItem& it
         }
         item.realParent = buffer;
     }
-    item.parent = openFolder(item.realParent, context.strictPaths);
-    struct stat parentInfo {};
-    if (!item.parent.valid() || fstat(item.parent.get(), &parentInfo) != 0) {
+    // Reached from "/" without following any link: the folder just resolved (or, in strict
+    // mode, given resolved) and nothing a link swapped in since.
+    item.parent = openFolder(item.realParent, true);
+    if (!item.parent.valid()) {
         error = errorText("cannot open the item's folder", errno);
         return false;
     }
-    if (fstatat(item.parent.get(), item.leaf.c_str(), &item.info, AT_SYMLINK_NOFOLLOW) != 0) {
+    EntryStatus status;
+    if (!statEntryAt(item.parent.get(), item.leaf.c_str(), status) ||
+        fstatat(item.parent.get(), item.leaf.c_str(), &item.info, AT_SYMLINK_NOFOLLOW) != 0) {
         error = errorText("cannot look at the item", errno);
         return false;
     }
-    if (S_ISDIR(item.info.st_mode) && item.info.st_dev != parentInfo.st_dev) {
+    if (status.mountPoint) {
         error = "a mount point cannot be moved to the Trash";
         return false;
+    }
+    if (S_ISDIR(item.info.st_mode)) {
+        // Moving a folder moves whatever is mounted inside it along; that is never what was
+        // meant, so such a folder stays where it is.
+        const FolderFd folder(openat(item.parent.get(), item.leaf.c_str(), kFolderFlags));
+        FolderSurvey survey;
+        if (!folder.valid() || isMountBoundary(item.parent.get(), folder.get())) {
+            survey.holdsMount = folder.valid();
+        } else {
+            surveyFolder(folder.get(), survey);
+        }
+        if (survey.holdsMount) {
+            error = "the folder holds a mount point; unmount it before moving the folder to the "
+                    "Trash";
+            return false;
+        }
+        struct stat own {};
+        if (folder.valid() && fstat(folder.get(), &own) == 0) {
+            item.folderBytes =
+                survey.bytes + static_cast<unsigned long long>(own.st_blocks) * 512ULL;
+        }
     }
     return true;
 }
@@ -388,7 +446,6 @@ TrashResult moveToTrash(const std::string& path, const TrashContext& context) {
         return result;
     }
     const std::string realItem = realItemPath(item);
-    const bool isFolder = S_ISDIR(item.info.st_mode);
 
     const std::optional<std::string> dataHome = normalizeAbsolutePath(context.dataHome);
     if (!dataHome || *dataHome == "/") {
@@ -415,8 +472,8 @@ TrashResult moveToTrash(const std::string& path, const TrashContext& context) {
             result.error = "the item is the Trash or lies in it already";
             return result;
         }
-        result = moveWithInfo(item.parent.get(), item.leaf, home, trashDir, item.normal, isFolder,
-                              context);
+        result = moveWithInfo(item.parent.get(), item.leaf, home, trashDir, item.normal,
+                              item.folderBytes, context);
         result.location = result.ok ? TrashLocation::home : TrashLocation::none;
         return result;
     }
@@ -436,7 +493,8 @@ TrashResult moveToTrash(const std::string& path, const TrashContext& context) {
     }
     const std::string relative =
         topDir == "/" ? realItem.substr(1) : realItem.substr(topDir.size() + 1);
-    result = moveWithInfo(item.parent.get(), item.leaf, top, trashDir, relative, isFolder, context);
+    result = moveWithInfo(item.parent.get(), item.leaf, top, trashDir, relative, item.folderBytes,
+                          context);
     result.location = result.ok ? location : TrashLocation::none;
     return result;
 }
@@ -459,7 +517,7 @@ TrashResult moveIntoHomeTrashManually(const std::string& path, const TrashContex
         return result;
     }
     result = moveWithInfo(item.parent.get(), item.leaf, home, trashDir, item.normal,
-                          S_ISDIR(item.info.st_mode), context);
+                          item.folderBytes, context);
     result.location = result.ok ? TrashLocation::home : TrashLocation::none;
     return result;
 }
@@ -475,8 +533,15 @@ bool forgetTrashEntry(const std::string& trashDir, const std::string& name, bool
         errno != ENOENT) {
         ok = false;
     }
+    // directorysizes is rewritten for the trash folder's owner; one that is not theirs alone
+    // is left as it is (never read, so its content cannot reach the owner's new file).
+    struct stat owner {};
+    if (fstat(trash.get(), &owner) != 0) {
+        return false;
+    }
     std::string text;
-    if (!readFileAt(trash.get(), "directorysizes", text) || text.empty()) {
+    if (readRecordAt(trash.get(), "directorysizes", owner.st_uid, text) != RecordRead::read ||
+        text.empty()) {
         return ok;
     }
     std::string kept;
@@ -494,10 +559,6 @@ bool forgetTrashEntry(const std::string& trashDir, const std::string& name, bool
         kept += '\n';
     }
     if (changed) {
-        struct stat owner {};
-        if (fstat(trash.get(), &owner) != 0) {
-            return false;
-        }
         ok = replaceFileAt(trash.get(), "directorysizes", kept, owner.st_uid, owner.st_gid) && ok;
     }
     return ok;

@@ -85,7 +85,7 @@ private slots:
                               "Junk & Dev Cache", "Intelligent Search", "Live Telemetry",
                               "Themes & Settings"}));
         QCOMPARE(AppRoot::sectionSymbols().size(), 8);
-        QCOMPARE(m_root->selectedSection(), static_cast<int>(NavigationSection::smartClean));
+        QCOMPARE(m_root->selectedSection(), static_cast<int>(NavigationSection::SmartCare));
         QCOMPARE(m_root->navigator()->visualizerMode(), 0);
     }
 
@@ -145,7 +145,7 @@ private slots:
     void folderFromCommandLineIsScannedFirst() {
         QSignalSpy requested(m_root.get(), &AppRoot::scanRequested);
         m_root->openFolderAtStart(home() + "/data");
-        QCOMPARE(m_root->selectedSection(), static_cast<int>(NavigationSection::treemap));
+        QCOMPARE(m_root->selectedSection(), static_cast<int>(NavigationSection::Storage));
         m_root->windowAppeared();
         QCOMPARE(requested.count(), 1);
         QCOMPARE(requested.at(0).at(0).toString(), home() + "/data");

@@ -1,6 +1,6 @@
 #pragma once
-// Runs a program with an argument vector (never through a shell) and captures what it printed,
-// for tests that drive sondrel-cli or the helper from outside.
+// Runs a program with an argument vector (never through a shell; see core/util/subprocess.h) and
+// captures what it printed, for tests that drive sondrel-cli or the helper from outside.
 
 #include <map>
 #include <string>
@@ -16,7 +16,8 @@ struct ProcessResult {
 };
 
 /// Runs `argv[0]` with `argv`, feeding `input` on stdin; `environment` entries are added to (or
-/// replace) the inherited environment. Blocks until the program ends.
+/// replace) the inherited environment. Blocks until the program ends. A program that cannot be
+/// started gives exit code 127 with the reason in `err`.
 ProcessResult runProcess(const std::vector<std::string>& argv, const std::string& input = {},
                          const std::map<std::string, std::string>& environment = {});
 

@@ -3,6 +3,7 @@
 // permission dialog's Cancel leaves the target and the tree as they were.
 
 #include "app/app_root.h"
+#include "app/navigation_section.h"
 #include "app/qt_conversions.h"
 #include "ui/src/app_actions.h"
 #include "ui/src/shell_setup.h"
@@ -13,6 +14,7 @@
 #endif
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
@@ -127,6 +129,70 @@ private slots:
         }
         m_root->setSelectedSection(0);
         QVERIFY(!m_root->systemMonitor()->isMonitoring());
+    }
+
+    // The sidebar's rows, the page stack and Ctrl+N all follow the section table: row N shows
+    // the table's title and symbol, and selecting a section shows exactly the page it names.
+    void sidebarAndPagesAgreeWithTheTable() {
+        QQuickItem* pages = findItem(m_window, QStringLiteral("pages"));
+        QVERIFY(pages != nullptr);
+        QCOMPARE(pages->childItems().size(), NavigationSection::kCount);
+        m_window->requestActivate();
+        for (const NavigationSection::Row& entry : NavigationSection::table()) {
+            const QString page = QString::fromUtf8(entry.page);
+            QQuickItem* row = findItem(m_window, QStringLiteral("sectionRow%1").arg(entry.id));
+            QVERIFY(row != nullptr);
+            QCOMPARE(findItem(row, QStringLiteral("sectionTitle"))->property("text").toString(),
+                     QString::fromUtf8(entry.title));
+            QCOMPARE(findItem(row, QStringLiteral("sectionSymbol"))->property("name").toString(),
+                     QString::fromUtf8(entry.symbol));
+
+            m_root->setSelectedSection(NavigationSection::SmartCare == entry.id
+                                           ? NavigationSection::Settings
+                                           : NavigationSection::SmartCare);
+            QTest::keyClick(m_window, static_cast<Qt::Key>(int(Qt::Key_1) + int(entry.id)),
+                            Qt::ControlModifier);
+            QCOMPARE(m_root->selectedSection(), static_cast<int>(entry.id));
+            int named = 0;
+            for (QQuickItem* child : pages->childItems()) {
+                named += child->objectName() == page ? 1 : 0;
+                QTRY_COMPARE(child->isVisible(), child->objectName() == page);
+            }
+            QVERIFY2(named == 1, qPrintable(page));
+            // SONDREL_SCREENSHOT=DIR keeps a picture of each section as DIR/PAGE.png.
+            const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT");
+            if (!shots.isEmpty()) {
+                QTest::qWait(100);
+                QVERIFY(m_window->grabWindow().save(shots + "/" + page + ".png"));
+            }
+            if (QQuickItem* unavailable = findItem(findItem(pages, page), "unavailableText")) {
+                QVERIFY(unavailable->property("text").toString().startsWith(
+                    QString::fromUtf8(entry.title) + " is not available"));
+            }
+        }
+        // The storage page's "uninstall" request names its section through the table too.
+        QQuickItem* browser = findItem(m_window, QStringLiteral("storageBrowser"));
+        QVERIFY(browser != nullptr);
+        QVERIFY(QMetaObject::invokeMethod(browser, "uninstallRequested", Q_ARG(QString, home())));
+        QCOMPARE(m_root->selectedSection(), static_cast<int>(NavigationSection::Uninstaller));
+        m_root->setSelectedSection(NavigationSection::SmartCare);
+    }
+
+    // QML names sections through the table (Section.Storage), never by number.
+    void qmlHasNoSectionNumbers() {
+        const QRegularExpression literal(
+            QStringLiteral(R"(selectedSection\s*=\s*\d|model:\s*8\b)"));
+        int files = 0;
+        QDirIterator it(QStringLiteral(":/Sondrel/qml"), {QStringLiteral("*.qml")}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            QFile file(it.next());
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const QString text = QString::fromUtf8(file.readAll());
+            QVERIFY2(!literal.match(text).hasMatch(), qPrintable(file.fileName()));
+            ++files;
+        }
+        QVERIFY(files > 20);
     }
 
     void controlDigitSwitchesSections() {

@@ -6,6 +6,7 @@ import "components"
 import "pages"
 import "monitor"
 import "search"
+import Sondrel
 
 // The main window: the sidebar of eight sections beside the selected section's page. Every
 // engine comes from `appRoot`; no page creates one.
@@ -15,6 +16,8 @@ ApplicationWindow {
     required property var appRoot
     required property var appActions
     readonly property var theme: appRoot.themeManager
+    // The section table: rows of section, title, symbol and page, in sidebar order.
+    readonly property var sections: appRoot.sections
     // An opaque mix of the card fill over the background, for popups and menus.
     readonly property color popupColor: Qt.tint(theme.background, theme.cardBackground)
 
@@ -56,68 +59,74 @@ ApplicationWindow {
             Layout.fillHeight: true
         }
 
+        // One page per row of the section table; each page takes its name from the table, and
+        // the stack shows the page the table names for the selected section.
         StackLayout {
             id: pages
             objectName: "pages"
-            currentIndex: window.appRoot.selectedSection
+            currentIndex: {
+                const page = window.sections[window.appRoot.selectedSection].page
+                for (let i = 0; i < children.length; ++i) {
+                    if (children[i].objectName === page)
+                        return i
+                }
+                return -1
+            }
             Layout.fillWidth: true
             Layout.fillHeight: true
 
             PlaceholderPage {
-                objectName: "smartCarePage"
+                objectName: section.page
                 theme: window.theme
-                title: "Smart Care"
-                symbol: "bolt.shield.fill"
+                section: window.sections[Section.SmartCare]
             }
             StoragePage {
-                objectName: "storagePage"
+                objectName: window.sections[Section.Storage].page
                 appRoot: window.appRoot
                 theme: window.theme
             }
             PlaceholderPage {
-                objectName: "duplicatesPage"
+                objectName: section.page
                 theme: window.theme
-                title: "Duplicate Hunter"
-                symbol: "doc.on.doc.fill"
+                section: window.sections[Section.Duplicates]
             }
             PlaceholderPage {
-                objectName: "uninstallerPage"
+                objectName: section.page
                 theme: window.theme
-                title: "App Uninstaller"
-                symbol: "trash.fill"
+                section: window.sections[Section.Uninstaller]
             }
             PlaceholderPage {
-                objectName: "junkPage"
+                objectName: section.page
                 theme: window.theme
-                title: "Junk & Dev Cache"
-                symbol: "sparkles"
+                section: window.sections[Section.Junk]
             }
             SmartSearchView {
-                objectName: "searchPage"
+                objectName: window.sections[Section.Search].page
                 search: window.appRoot.largeFileSearch
                 theme: window.theme
             }
             SystemMonitorView {
-                objectName: "monitorPage"
+                objectName: window.sections[Section.Monitor].page
                 systemMonitor: window.appRoot.systemMonitor
                 theme: window.theme
             }
             ThemeSelectorView {
-                objectName: "settingsPage"
+                objectName: window.sections[Section.Settings].page
                 theme: window.theme
                 appActions: window.appActions
             }
         }
     }
 
-    // Ctrl+1 .. Ctrl+8 switch sections.
+    // Ctrl+1 .. Ctrl+8 switch sections, in the table's order.
     Instantiator {
-        model: 8
+        model: window.sections
         delegate: Shortcut {
             required property int index
+            required property var modelData
             sequence: "Ctrl+" + (index + 1)
             context: Qt.ApplicationShortcut
-            onActivated: window.appRoot.selectedSection = index
+            onActivated: window.appRoot.selectedSection = modelData.section
         }
     }
 

@@ -73,17 +73,24 @@ Rectangle {
             spacing: 3
             focus: true
             interactive: false
-            model: sidebar.appRoot.sectionTitles
+            model: sidebar.appRoot.sections
             currentIndex: sidebar.appRoot.selectedSection
 
-            Keys.onUpPressed: sidebar.appRoot.selectedSection = Math.max(0, currentIndex - 1)
-            Keys.onDownPressed: sidebar.appRoot.selectedSection = Math.min(count - 1, currentIndex + 1)
+            Keys.onUpPressed: {
+                if (currentIndex > 0)
+                    sidebar.appRoot.selectedSection = model[currentIndex - 1].section
+            }
+            Keys.onDownPressed: {
+                if (currentIndex < count - 1)
+                    sidebar.appRoot.selectedSection = model[currentIndex + 1].section
+            }
 
             delegate: Rectangle {
                 id: row
 
                 required property int index
-                required property string modelData
+                // The section's row of the section table.
+                required property var modelData
                 readonly property bool selected: ListView.isCurrentItem
 
                 objectName: "sectionRow" + index
@@ -101,13 +108,14 @@ Rectangle {
                     spacing: 11
 
                     Icon {
-                        name: sidebar.appRoot.sectionSymbols[row.index]
+                        objectName: "sectionSymbol"
+                        name: row.modelData.symbol
                         color: row.selected ? sidebar.theme.accent : sidebar.theme.textSecondary
                         size: 19
                     }
                     Text {
                         objectName: "sectionTitle"
-                        text: row.modelData
+                        text: row.modelData.title
                         color: row.selected ? sidebar.theme.textPrimary : sidebar.theme.textSecondary
                         font.pixelSize: 14
                         font.bold: row.selected
@@ -121,7 +129,7 @@ Rectangle {
                     anchors.fill: parent
                     hoverEnabled: true
                     onClicked: {
-                        sidebar.appRoot.selectedSection = row.index
+                        sidebar.appRoot.selectedSection = row.modelData.section
                         sections.forceActiveFocus()
                     }
                 }

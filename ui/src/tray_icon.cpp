@@ -1,5 +1,6 @@
 #include "ui/src/tray_icon.h"
 
+#include "app/navigation_section.h"
 #include "ui/src/app_actions.h"
 #include "ui/src/symbol_icons.h"
 
@@ -19,8 +20,11 @@ TrayIcon::TrayIcon(AppActions* actions, QObject* parent)
     m_menu->addAction(QStringLiteral("Sondrel Storage Studio"), actions,
                       &AppActions::bringAppToFront);
     m_menu->addSeparator();
-    QAction* open = m_menu->addAction(QStringLiteral("Open Storage Scopix"), actions,
-                                      &AppActions::bringAppToFront);
+    // "Open Storage Scopix": the storage section's title from the section table.
+    const NavigationSection::Row& storage = NavigationSection::table()[NavigationSection::Storage];
+    QAction* open =
+        m_menu->addAction(QStringLiteral("Open %1").arg(QString::fromUtf8(storage.title)), actions,
+                          &AppActions::bringAppToFront);
     open->setShortcut(QKeySequence(QStringLiteral("Ctrl+O")));
     m_menu->addAction(QStringLiteral("About Sondrel"), actions, &AppActions::showAboutPanel);
     m_menu->addAction(QStringLiteral("Help & Support (%1)").arg(AppActions::supportEmail()),

@@ -8,13 +8,31 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <random>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace sondrel {
 namespace {
 
+// The committed corpus, found from the source file's path when that is absolute, else by
+// walking up from the test binary (a build folder inside the source tree).
 std::string corpusFolder() {
+    constexpr const char* kCorpus = "/tests/fixtures/fuzz/removal";
     const std::string file = __FILE__;
-    return file.substr(0, file.rfind("/tests/core/removal/")) + "/tests/fixtures/fuzz/removal";
+    if (!file.empty() && file.front() == '/') {
+        return file.substr(0, file.rfind("/tests/core/removal/")) + kCorpus;
+    }
+    char self[4096];
+    const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
+    std::string folder(self, length > 0 ? static_cast<std::size_t>(length) : 0);
+    while (folder.size() > 1) {
+        folder = folder.substr(0, folder.rfind('/'));
+        struct stat info {};
+        if (stat((folder + kCorpus).c_str(), &info) == 0) {
+            return folder + kCorpus;
+        }
+    }
+    return kCorpus;
 }
 
 TEST(RemovalFuzzReplay, CommittedCorpus) {

@@ -6,10 +6,12 @@
 #include "core/removal/trash_info.h"
 #include "removal_test_support.h"
 
+#include <atomic>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <thread>
 
 namespace sondrel {
 namespace {
@@ -43,18 +45,98 @@ struct RecordingRunner {
     }
 };
 
-TEST(RemovalChains, RefusalsAndAbsentPaths) {
-    test::TempHome t;
-    const std::string outside = t.dir.writeFile("outside/keep", "k");
-    const RemovalContext context = t.context();
-    using Chain = RemovalOutcome (*)(const std::string&, const RemovalContext&);
-    const std::vector<Chain> chains = {
+using Chain = RemovalOutcome (*)(const std::string&, const RemovalContext&);
+
+std::vector<Chain> allChains() {
+    return {
         safeMoveToTrash,
         moveDuplicateToTrash,
         [](const std::string& p, const RemovalContext& c) { return deleteItemSafely(p, false, c); },
         [](const std::string& p, const RemovalContext& c) { return deleteItemSafely(p, true, c); },
     };
-    for (const Chain chain : chains) {
+}
+
+// The item's parent is swapped for a link to an outside folder after the chain checked the
+// path and before it acts: every chain, file and folder items, round after round. Nothing
+// outside may be removed or trashed.
+TEST(RemovalChains, ParentSwappedAfterTheCheckLeadsNowhere) {
+    test::TempHome t;
+    const std::string outside = t.dir.makeDir("outside");
+    const std::string parent = t.home + "/a/b";
+    const std::string aside = t.home + "/a/b.aside";
+    const RemovalContext context = t.context();
+    const std::vector<Chain> chains = allChains();
+    for (int round = 0; round < 40; ++round) {
+        const bool folder = round % 8 < 4;
+        const std::string name = "victim-" + std::to_string(round);
+        const std::string sentinel = outside + "/" + name + (folder ? "/inner" : "");
+        t.dir.writeFile("home/a/b/" + name + (folder ? "/inner" : ""), "v");
+        t.dir.writeFile("outside/" + name + (folder ? "/inner" : ""), "keep");
+        setRemovalChainHookForTesting([&](const std::string&) {
+            if (rename(parent.c_str(), aside.c_str()) == 0) {
+                symlink(outside.c_str(), parent.c_str());
+            }
+        });
+        const RemovalOutcome outcome =
+            chains[static_cast<std::size_t>(round) % chains.size()](parent + "/" + name, context);
+        setRemovalChainHookForTesting({});
+        ASSERT_EQ(test::readFile(sentinel), "keep")
+            << "round " << round << ": " << describe(outcome.step);
+        EXPECT_FALSE(outcome.removed) << "round " << round;
+        ASSERT_EQ(unlink(parent.c_str()), 0);
+        ASSERT_EQ(rename(aside.c_str(), parent.c_str()), 0);
+        EXPECT_TRUE(exists(parent + "/" + name));
+        EXPECT_TRUE(removePermanently(parent + "/" + name).removed);
+    }
+}
+
+// The same swap by a thread that never stops, with no seam: whatever the timing, nothing
+// outside goes.
+TEST(RemovalChains, ParentSwappedByAnotherThreadLeadsNowhere) {
+    test::TempHome t;
+    const std::string outside = t.dir.makeDir("outside");
+    const std::string parent = t.home + "/a/b";
+    const std::string aside = t.home + "/a/b.aside";
+    const RemovalContext context = t.context();
+    const std::vector<Chain> chains = allChains();
+    t.dir.makeDir("home/a/b");
+    constexpr int kSentinels = 1000;
+    for (int i = 0; i < kSentinels; ++i) {
+        t.dir.writeFile("outside/victim-" + std::to_string(i), "keep");
+    }
+    std::atomic<bool> stop{false};
+    std::thread swapper([&] {
+        while (!stop.load()) {
+            if (rename(parent.c_str(), aside.c_str()) == 0) {
+                symlink(outside.c_str(), parent.c_str());
+                std::this_thread::yield();
+                unlink(parent.c_str());
+                rename(aside.c_str(), parent.c_str());
+            }
+        }
+    });
+    for (int i = 0; i < kSentinels; ++i) {
+        const std::string name = "/victim-" + std::to_string(i);
+        // Made in the real folder, or through the link where the sentinel already is (then
+        // nothing is made and the sentinel is left as it is).
+        const int fd = open((parent + name).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (fd >= 0) {
+            close(fd);
+        }
+        chains[static_cast<std::size_t>(i) % chains.size()](parent + name, context);
+    }
+    stop = true;
+    swapper.join();
+    for (int i = 0; i < kSentinels; ++i) {
+        EXPECT_EQ(test::readFile(outside + "/victim-" + std::to_string(i)), "keep") << i;
+    }
+}
+
+TEST(RemovalChains, RefusalsAndAbsentPaths) {
+    test::TempHome t;
+    const std::string outside = t.dir.writeFile("outside/keep", "k");
+    const RemovalContext context = t.context();
+    for (const Chain chain : allChains()) {
         for (const std::string& path : {std::string("/"), t.home, t.home + "/", t.home + "/..",
                                         outside, t.dir.path(), std::string("relative")}) {
             const RemovalOutcome outcome = chain(path, context);

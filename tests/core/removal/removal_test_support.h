@@ -8,6 +8,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <sched.h>
 #include <sstream>
 #include <string>
 #include <sys/mount.h>
@@ -25,13 +26,8 @@ struct TempHome {
     std::string trash = dataHome + "/Trash";
 
     RemovalContext context(std::vector<std::string> roots = {}) const {
-        RemovalContext c;
-        c.trash.home = home;
-        c.trash.dataHome = dataHome;
-        c.trash.uid = getuid();
-        c.trash.gid = getgid();
+        RemovalContext c = RemovalContext::forUser(*this, std::move(roots));
         c.trash.clock = [] { return std::time_t{1700000000}; };
-        c.allowedRoots = roots.empty() ? std::vector<std::string>{home} : std::move(roots);
         return c;
     }
 };
@@ -90,6 +86,34 @@ private:
     std::string m_path;
     bool m_mounted = false;
     bool m_listedByDesktop = false;
+};
+
+/// A bind mount of `source` at `target` (both existing, inside a test's TempDir), undone on
+/// destruction; declare it after the TempDir it lives in. The first one moves the test process
+/// into a private mount namespace when it can, so a crashed test leaves no mount behind.
+class BindMount {
+public:
+    BindMount(const std::string& source, const std::string& target) : m_target(target) {
+        static const bool isolated = [] {
+            return unshare(CLONE_NEWNS) == 0 &&
+                   mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+        }();
+        (void)isolated;
+        m_mounted = mount(source.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) == 0;
+    }
+    BindMount(const BindMount&) = delete;
+    BindMount& operator=(const BindMount&) = delete;
+    ~BindMount() {
+        if (m_mounted && umount(m_target.c_str()) != 0) {
+            umount2(m_target.c_str(), MNT_DETACH);
+        }
+    }
+    /// False when mounting is not permitted here (not root, no CAP_SYS_ADMIN): skip the test.
+    bool mounted() const { return m_mounted; }
+
+private:
+    std::string m_target;
+    bool m_mounted = false;
 };
 
 /// How `gio list -a trash::orig-path` prints a byte string: control bytes, DEL and bytes of

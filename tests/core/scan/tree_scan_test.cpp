@@ -613,7 +613,7 @@ TEST(TreeScan, CancelledScanShowsOnlyMeasuredEntries) {
 
 // Bind mounts need root and a namespace that allows them; skipped otherwise.
 struct ScopedBind {
-    ScopedBind(const std::string& source, const std::string& target) : target(target) {
+    ScopedBind(const std::string& source, const std::string& mountPoint) : target(mountPoint) {
         mounted =
             geteuid() == 0 && mount(source.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) == 0;
     }

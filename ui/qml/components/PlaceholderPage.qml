@@ -7,8 +7,10 @@ Rectangle {
     id: page
 
     required property var theme
-    property string title
-    property string symbol
+    // The section's row of the section table (title, symbol, page).
+    required property var section
+    readonly property string title: section.title
+    readonly property string symbol: section.symbol
 
     color: theme.background
 

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Sondrel
 import "../components"
 import "../storage"
 
@@ -46,7 +47,7 @@ Rectangle {
             Layout.fillWidth: true
             Layout.fillHeight: true
             onFolderDropped: function (path) { page.appRoot.scanChosenPath(path) }
-            onUninstallRequested: page.appRoot.selectedSection = 3
+            onUninstallRequested: page.appRoot.selectedSection = Section.Uninstaller
         }
 
         AccessRefusedPanel {
