@@ -110,6 +110,7 @@ void LargeFileSearch::start(std::optional<std::string> target, bool wholeDrive) 
         },
         [this](const std::shared_ptr<Run>& run) { publish(*run); });
     if (started) {
+        m_cancelRequested = false;
         setStatusText(fromView(kSearchRunningText));
         setProgressText(QString());
     }
@@ -122,7 +123,8 @@ void LargeFileSearch::publish(Run& run) {
         walked += root.walked ? 1 : 0;
     }
     QString status;
-    if (run.result.cancelled) {
+    // A search the user cancelled keeps that wording even when its walk had just ended.
+    if (run.result.cancelled || m_cancelRequested) {
         status = fromView(searchCancelledText(found));
     } else if (walked == 0 || (run.singleTarget && !run.result.roots.front().walked)) {
         status = fromView(searchRootsMissingText(run.roots.empty() ? "" : run.roots.front(),
@@ -144,6 +146,7 @@ void LargeFileSearch::cancel() {
     if (!m_searchJob.cancel()) {
         return;
     }
+    m_cancelRequested = true;
     // The interface is idle at once; the files found so far arrive with publish().
     setProgressText(QString());
     setStatusText(fromView(searchCancelledText(0)));

@@ -103,6 +103,7 @@ private:
     std::unique_ptr<const Locations> m_locations;
     LargeFileResultsModel* m_results = nullptr;
     bool m_hasSearched = false;
+    bool m_cancelRequested = false; ///< cancel() was called for the running search
     QString m_statusText;
     QString m_progressText;
     QString m_noticeText;
