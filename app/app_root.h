@@ -9,6 +9,7 @@
 
 #include "app/disk_scanner.h"
 #include "app/duplicate_scanner.h"
+#include "app/large_file_search.h"
 #include "app/navigation_section.h"
 #include "app/storage_navigator.h"
 #include "app/system_monitor.h"
@@ -36,6 +37,7 @@ class AppRoot : public QObject {
     Q_PROPERTY(sondrel::StorageNavigator* navigator READ navigator CONSTANT)
     Q_PROPERTY(sondrel::SystemMonitor* systemMonitor READ systemMonitor CONSTANT)
     Q_PROPERTY(sondrel::DuplicateScanner* duplicateScanner READ duplicateScanner CONSTANT)
+    Q_PROPERTY(sondrel::LargeFileSearch* largeFileSearch READ largeFileSearch CONSTANT)
     /// The shown section, a NavigationSection::Id (`Section.Storage` in QML); the window opens
     /// on Smart Care.
     Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
@@ -71,6 +73,7 @@ public:
     StorageNavigator* navigator() const { return m_navigator; }
     SystemMonitor* systemMonitor() const { return m_systemMonitor; }
     DuplicateScanner* duplicateScanner() const { return m_duplicateScanner; }
+    LargeFileSearch* largeFileSearch() const { return m_largeFileSearch; }
     const Locations& locations() const { return *m_locations; }
 
     int selectedSection() const { return static_cast<int>(m_selectedSection); }
@@ -159,6 +162,7 @@ private:
     StorageNavigator* m_navigator = nullptr;
     SystemMonitor* m_systemMonitor = nullptr;
     DuplicateScanner* m_duplicateScanner = nullptr;
+    LargeFileSearch* m_largeFileSearch = nullptr;
 
     NavigationSection::Id m_selectedSection = NavigationSection::SmartCare;
     QString m_selectedTargetFolder;

@@ -72,7 +72,7 @@ public:
     /// Display name of an item: its name, or "Internal Drive" when it has none.
     static QString displayNameOf(const FileItem& item);
     /// `text` with this platform's words for macOS-only things ("Reveal in Finder" becomes
-    /// "Reveal in Files" on Linux).
+    /// "Show in Files" on Linux).
     Q_INVOKABLE static QString platformText(const QString& text);
 
     /// Makes the breadcrumb element `index` (0 = scan root) the viewed folder.

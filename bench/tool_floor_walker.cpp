@@ -1,6 +1,7 @@
 // sondrel-bench-floor_walker: the syscall floor of a folder-size scan, for the benchmarks.
 //
-// Usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden] [--du]
+// Usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden] [--du] [--prune NAME]...
+//        [--min BYTES]
 //
 // It does only what any size scan must do: openat each folder relative to its parent,
 // getdents64 its entries, fstatat each entry that is not a folder (the size), on N threads
@@ -9,8 +10,12 @@
 // Prints "files F bytes B folders D"; with --skip-hidden the bytes equal the root size of
 // `sondrel-cli scan` on the same tree. --du is the floor of a du-style measure instead: every
 // entry is stat'ed, folders (fstat of the opened folder) and links included, and the bytes are
-// the allocated ones (st_blocks * 512), as `du -sB1` counts them.
+// the allocated ones (st_blocks * 512), as `du -sB1` counts them. --prune leaves out folders
+// of that exact name (repeatable) and --min counts the files of at least BYTES as "large L":
+// with --skip-hidden, the search's pruned names and --min 20971520 it is the floor of the
+// large-file search (which also leaves out *.app folders).
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <cstdio>
@@ -52,6 +57,9 @@ struct Walk {
     int busy = 0;
     bool skipHidden = false;
     bool duMode = false;
+    std::vector<std::string> pruned;
+    long long minimum = -1;
+    std::atomic<long long> large{0};
     std::atomic<long long> files{0};
     std::atomic<long long> bytes{0};
     std::atomic<long long> folders{0};
@@ -128,6 +136,10 @@ struct Walk {
                     type = static_cast<unsigned char>(IFTODT(info.st_mode));
                 }
                 if (type == DT_DIR) {
+                    if (!pruned.empty() &&
+                        std::find(pruned.begin(), pruned.end(), name) != pruned.end()) {
+                        continue;
+                    }
                     children.push_back({self, name});
                     continue;
                 }
@@ -143,6 +155,9 @@ struct Walk {
                     }
                 }
                 localBytes += duMode ? static_cast<long long>(info.st_blocks) * 512 : info.st_size;
+                if (minimum >= 0 && info.st_size >= minimum) {
+                    ++large;
+                }
             }
         }
         files += localFiles;
@@ -173,19 +188,24 @@ int main(int argc, char** argv) {
             walk.skipHidden = true;
         } else if (arg == "--du") {
             walk.duMode = true;
+        } else if (arg == "--prune" && i + 1 < argc) {
+            walk.pruned.emplace_back(argv[++i]);
+        } else if (arg == "--min" && i + 1 < argc) {
+            walk.minimum = std::atoll(argv[++i]);
         } else if (root.empty() && arg[0] != '-') {
             root = arg;
         } else {
             std::fprintf(
                 stderr,
-                "usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden] [--du]\n");
+                "usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden] [--du] "
+                "[--prune NAME]... [--min BYTES]\n");
             return 2;
         }
     }
     if (root.empty()) {
-        std::fprintf(
-            stderr,
-            "usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden] [--du]\n");
+        std::fprintf(stderr,
+                     "usage: sondrel-bench-floor_walker ROOT [--threads N] [--skip-hidden] [--du] "
+                     "[--prune NAME]... [--min BYTES]\n");
         return 2;
     }
     walk.stack.push_back({nullptr, root});
@@ -197,7 +217,11 @@ int main(int argc, char** argv) {
     for (std::thread& thread : pool) {
         thread.join();
     }
-    std::printf("files %lld bytes %lld folders %lld\n", walk.files.load(), walk.bytes.load(),
+    std::printf("files %lld bytes %lld folders %lld", walk.files.load(), walk.bytes.load(),
                 walk.folders.load());
+    if (walk.minimum >= 0) {
+        std::printf(" large %lld", walk.large.load());
+    }
+    std::printf("\n");
     return 0;
 }

@@ -1,6 +1,6 @@
 // sondrel-bench-tree_gen: builds a seeded, home-like folder tree for the scan benchmarks.
 //
-// Usage: sondrel-bench-tree_gen OUTDIR [--seed N] [--files N] [--folders N]
+// Usage: sondrel-bench-tree_gen OUTDIR [--seed N] [--files N] [--folders N] [--large N]
 //
 // The tree (same seed, same tree) has the shape of a real home folder: media and document
 // folders, projects with node_modules-like subtrees and .git folders, a wide camera folder,
@@ -8,6 +8,9 @@
 // to 4 GB next to many small files with real contents, symbolic links to files and folders, a
 // symbolic link loop, hard links, application bundles, unreadable folders and hostile names
 // (newlines, invalid UTF-8, quotes, "$()", leading dashes, 255-byte names).
+// --large N adds N more sparse files of 20 MiB to 2 GiB at every depth, one in four of them
+// inside a folder the large-file search prunes (build, dist, vendor, Caches, ...), and two files
+// on each side of the 20 MiB floor.
 // OUTDIR must not exist yet. Prints a one-line summary of what it made.
 
 #include <cerrno>
@@ -117,6 +120,7 @@ int main(int argc, char** argv) {
     std::uint64_t seed = 1;
     long long targetFiles = 300000;
     int targetFolders = 30000;
+    long long largeFiles = 0;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "--seed" && i + 1 < argc) {
@@ -125,11 +129,13 @@ int main(int argc, char** argv) {
             targetFiles = std::atoll(argv[++i]);
         } else if (arg == "--folders" && i + 1 < argc) {
             targetFolders = std::atoi(argv[++i]);
+        } else if (arg == "--large" && i + 1 < argc) {
+            largeFiles = std::atoll(argv[++i]);
         } else if (out.empty() && arg[0] != '-') {
             out = arg;
         } else {
             std::fprintf(stderr, "usage: sondrel-bench-tree_gen OUTDIR [--seed N] [--files N] "
-                                 "[--folders N]\n");
+                                 "[--folders N] [--large N]\n");
             return 2;
         }
     }
@@ -194,6 +200,35 @@ int main(int argc, char** argv) {
         const Folder& folder = gen.folders[gen.below(folderCount)];
         gen.makeFile(folder.path + "/" +
                      gen.name("file", static_cast<std::uint64_t>(gen.fileCount)));
+    }
+
+    // Large files at every depth, some inside pruned folders, and the floor's two sides.
+    const char* const pruned[] = {"build", "dist",  "vendor",      "Caches",     "venv",
+                                  "Pods",  "Cache", "DerivedData", "Containers", "TemporaryItems"};
+    const auto makeSparse = [&gen](const std::string& path, long long size) {
+        const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        if (fd >= 0 && ftruncate(fd, size) == 0) {
+            gen.bytes += size;
+            ++gen.fileCount;
+        }
+        if (fd >= 0) {
+            close(fd);
+        }
+    };
+    for (long long i = 0; i < largeFiles; ++i) {
+        std::string folder = gen.folders[gen.below(folderCount)].path;
+        if (i % 4 == 0) {
+            folder += std::string("/") + pruned[gen.below(sizeof pruned / sizeof *pruned)];
+            mkdir(folder.c_str(), 0755);
+        }
+        makeSparse(folder + "/large" + std::to_string(i) + (i % 3 == 0 ? ".mkv" : ".img"),
+                   (20LL << 20) + static_cast<long long>(gen.below(2ULL << 30)));
+    }
+    if (largeFiles > 0) {
+        makeSparse(out + "/Downloads/floor-exact.bin", 20971520);
+        makeSparse(out + "/Downloads/floor-less-one.bin", 20971519);
+        makeSparse(out + "/Documents/floor-exact.bin", 20971520);
+        makeSparse(out + "/Documents/floor-less-one.bin", 20971519);
     }
 
     // Hostile names.

@@ -19,8 +19,11 @@ std::string withPlatformTerms(std::string_view text, TextPlatform platform) {
         return result;
     }
     // Longer phrases first, so that "macOS Trash" is not half-replaced by the "macOS" rule.
-    static constexpr std::array<std::pair<std::string_view, std::string_view>, 10> kTerms = {{
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 13> kTerms = {{
         {"macOS Trash", "Trash"},
+        {"Reveal in macOS Finder", "Show in Files"},
+        {"Reveal in Finder", "Show in Files"},
+        {"across your Mac", "across your computer"},
         {"macOS Finder", "Files"},
         {"Apple Silicon / Intel processors", "x86 / ARM processors"},
         {"APFS Storage", "Disk Storage"},

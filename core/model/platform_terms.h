@@ -15,7 +15,8 @@ enum class TextPlatform : unsigned char { gnuLinux, macos };
 TextPlatform currentTextPlatform();
 
 /// `text` with the macOS-only terms replaced for `platform` (unchanged for macOS): "macOS Trash"
-/// -> "Trash", "macOS Finder" and "Finder" -> "Files", "Apple System Integrity Protection" -> "the
+/// -> "Trash", "Reveal in (macOS) Finder" -> "Show in Files", "across your Mac" -> "across your
+/// computer", "macOS Finder" and "Finder" -> "Files", "Apple System Integrity Protection" -> "the
 /// system's package manager", "Xcode DerivedData" -> "developer build caches", "Apple Silicon /
 /// Intel processors" -> "x86 / ARM processors", "APFS Storage" -> "Disk Storage", "Mac Name" ->
 /// "Computer Name", "macOS" -> "Linux".

@@ -133,7 +133,7 @@ private slots:
         QCOMPARE(StorageDetails::platformText(QStringLiteral("Move to macOS Trash")),
                  QStringLiteral("Move to Trash"));
         QCOMPARE(StorageDetails::platformText(QStringLiteral("Reveal in macOS Finder")),
-                 QStringLiteral("Reveal in Files"));
+                 QStringLiteral("Show in Files"));
     }
 };
 

@@ -5,6 +5,7 @@ import QtQml
 import "components"
 import "pages"
 import "monitor"
+import "search"
 import Sondrel
 import "duplicates"
 
@@ -100,10 +101,10 @@ ApplicationWindow {
                 theme: window.theme
                 section: window.sections[Section.Junk]
             }
-            PlaceholderPage {
-                objectName: section.page
+            SmartSearchView {
+                objectName: window.sections[Section.Search].page
+                search: window.appRoot.largeFileSearch
                 theme: window.theme
-                section: window.sections[Section.Search]
             }
             SystemMonitorView {
                 objectName: window.sections[Section.Monitor].page

@@ -119,7 +119,7 @@ TEST(Judgement, StatusTablesAndPlatformTerms) {
     EXPECT_EQ(displayName(ReclaimableStatus::systemProtected), "System Managed");
     EXPECT_EQ(iconName(ReclaimableStatus::systemProtected), "lock.shield.fill");
     EXPECT_EQ(withPlatformTerms("Move to macOS Trash", TextPlatform::gnuLinux), "Move to Trash");
-    EXPECT_EQ(withPlatformTerms("Reveal in Finder", TextPlatform::gnuLinux), "Reveal in Files");
+    EXPECT_EQ(withPlatformTerms("Reveal in Finder", TextPlatform::gnuLinux), "Show in Files");
     EXPECT_EQ(withPlatformTerms("Reveal in Finder", TextPlatform::macos), "Reveal in Finder");
     EXPECT_EQ(withPlatformTerms("macOS macOS", TextPlatform::gnuLinux), "Linux Linux");
 }
