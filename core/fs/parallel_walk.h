@@ -11,7 +11,7 @@
 //   chain and a 300,000-entry folder are walked like any other;
 // - a cancel stops every worker at its next entry;
 // - progress reaches `onProgress` at most once per interval, from a worker thread.
-// Hard links are the visitor's concern (each visitor counts what it counts): link_tally.h keeps
+// Hard links are the visitor's concern (each visitor counts what it counts): measure_tree.cpp keeps
 // one (device, inode) once across workers.
 //
 // How it is fast: a work-stealing pool runs one job per folder (and one per slice of a wide

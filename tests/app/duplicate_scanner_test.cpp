@@ -177,7 +177,7 @@ private slots:
 
     void labelsUseThisPlatformsWords() {
         const QVariantMap labels = DuplicateScanner::labels();
-        QCOMPARE(labels["reveal"].toString(), QString("Reveal in Files"));
+        QCOMPARE(labels["reveal"].toString(), QString("Show in Files"));
         QCOMPARE(labels["confirmText"].toString(),
                  QString("Selected duplicate copies will be moved into Trash. Original copies "
                          "will remain untouched."));
