@@ -21,18 +21,21 @@ QString platformText(const char* text) {
     return QString::fromStdString(withPlatformTerms(text, currentTextPlatform()));
 }
 
-// The file manager's plain move to the Trash. The scan root, "/", the home folder and the
-// protected folders (~/.ssh, keyrings, ...) are refused before anything is moved.
-bool moveToUserTrash(const std::string& path, const Locations& locations) {
-    if (checkRemovablePath(path, locations.home, {"/"}) != PathVerdict::allowed) {
-        return false;
+// The file manager's plain move to the Trash. "/", the home folder and the protected folders
+// (~/.ssh, keyrings, ...) are refused before anything is moved.
+TrashResult moveToUserTrash(const std::string& path, const Locations& locations) {
+    const PathVerdict verdict = checkRemovablePath(path, locations.home, {"/"});
+    if (verdict != PathVerdict::allowed) {
+        TrashResult refused;
+        refused.error = std::string(describe(verdict));
+        return refused;
     }
     TrashContext context;
     context.home = locations.home;
     context.dataHome = locations.dataHome;
     context.uid = ::getuid();
     context.gid = ::getgid();
-    return moveToTrash(path, context).ok;
+    return moveToTrash(path, context);
 }
 
 QVariantMap section(const QVariantMap& overview, const char* key) {
@@ -55,7 +58,12 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
     // The scanned folder itself is never moved: only what lies inside it.
     m_navigator->setTrasher([this, locations = *m_locations](const std::string& path) {
         const FileItem& scanRoot = m_navigator->root();
-        return !(scanRoot && scanRoot.url() == path) && moveToUserTrash(path, locations);
+        if (scanRoot && scanRoot.url() == path) {
+            TrashResult refused;
+            refused.error = "the scanned folder itself is not moved, only what is inside it";
+            return refused;
+        }
+        return moveToUserTrash(path, locations);
     });
     connect(m_systemMonitor, &SystemMonitor::overviewChanged, this, &AppRoot::stripChanged);
     if (auto* app = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
@@ -135,9 +143,17 @@ QString AppRoot::ramStripText() const {
 
 double AppRoot::diskUsedFraction() const {
     const QVariantMap disk = section(m_systemMonitor->overview(), "disk");
-    const double total = disk.value(QStringLiteral("totalBytes")).toDouble();
-    return total > 0 ? qBound(0.0, disk.value(QStringLiteral("usedBytes")).toDouble() / total, 1.0)
-                     : 0.0;
+    // df's Use%: the blocks reserved for root count neither as used nor as free.
+    return qBound(0.0, disk.value(QStringLiteral("usagePercent")).toDouble() / 100.0, 1.0);
+}
+
+QUrl AppRoot::folderPanelChoice(const QUrl& selected, const QUrl& shown) {
+    if (!selected.isLocalFile() || !shown.isLocalFile()) {
+        return shown.isEmpty() ? selected : shown;
+    }
+    const QString folder = QDir::cleanPath(shown.toLocalFile());
+    const QString entry = QDir::cleanPath(selected.toLocalFile());
+    return QFileInfo(entry).absolutePath() == folder && entry != folder ? selected : shown;
 }
 
 void AppRoot::openFolderAtStart(const QString& folder) {
@@ -261,7 +277,7 @@ QString AppRoot::permissionTitle(const QString& name) const {
 QString AppRoot::permissionMessage(const QString& name) const {
     QString text = platformText("macOS requires permission to scan your ") + name +
                    QStringLiteral(" files.\n\nClick 'Grant Permission' to select your ") + name +
-                   QStringLiteral(" folder and authorize access");
+                   platformText(" folder and authorize access");
     // There is no privacy settings panel to send the user to on Linux.
     if (currentTextPlatform() == TextPlatform::macos) {
         text += QStringLiteral(", or open System Settings");
