@@ -430,6 +430,14 @@ private slots:
         QCOMPARE(m_root->selectedTargetFolder(), target);
         QCOMPARE(m_root->navigator()->root(), tree);
         QCOMPARE(requested.count(), 0);
+
+        // Escape closes the dialog the same way.
+        QVERIFY(!m_root->requestCloudAccessAndScan(home() + "/Nextcloud", "Nextcloud"));
+        QTRY_VERIFY(dialog->property("opened").toBool());
+        QTest::keyClick(m_window, Qt::Key_Escape);
+        QTRY_VERIFY(!dialog->property("visible").toBool());
+        QCOMPARE(requested.count(), 0);
+        QCOMPARE(m_root->selectedTargetFolder(), target);
     }
 
     void everySymbolHasAnIcon() {
