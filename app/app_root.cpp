@@ -23,10 +23,26 @@ QString platformText(const char* text) {
 // The file manager's plain move to the Trash (or into the home trash by rename), never a
 // password prompt. The scan root, "/", the home folder and the protected folders (~/.ssh,
 // keyrings, ...) are refused before anything is moved; a path already gone counts as failure.
-bool moveToUserTrash(const std::string& path, const Locations& locations) {
+// The result names where the item went and its .trashinfo, so that the move can be undone.
+TrashResult moveToUserTrash(const std::string& path, const Locations& locations) {
     const RemovalOutcome outcome =
         moveDuplicateToTrash(path, RemovalContext::forUser(locations, {"/"}));
-    return outcome.step == RemovalStep::trash || outcome.step == RemovalStep::manualMove;
+    TrashResult result;
+    result.ok = outcome.step == RemovalStep::trash || outcome.step == RemovalStep::manualMove;
+    if (!result.ok) {
+        result.error =
+            outcome.message.empty() ? std::string(describe(outcome.step)) : outcome.message;
+        return result;
+    }
+    result.trashedPath = outcome.trashedPath;
+    // files/NAME in a trash folder has its record at info/NAME.trashinfo.
+    const std::size_t files = result.trashedPath.rfind("/files/");
+    if (files != std::string::npos) {
+        result.trashDir = result.trashedPath.substr(0, files);
+        result.infoPath =
+            result.trashDir + "/info/" + result.trashedPath.substr(files + 7) + ".trashinfo";
+    }
+    return result;
 }
 
 QVariantMap section(const QVariantMap& overview, const char* key) {
@@ -51,7 +67,12 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
     // The scanned folder itself is never moved: only what lies inside it.
     m_navigator->setTrasher([this, locations = *m_locations](const std::string& path) {
         const FileItem& scanRoot = m_navigator->root();
-        return !(scanRoot && scanRoot.url() == path) && moveToUserTrash(path, locations);
+        if (scanRoot && scanRoot.url() == path) {
+            TrashResult refused;
+            refused.error = "the scanned folder itself is not moved, only what is inside it";
+            return refused;
+        }
+        return moveToUserTrash(path, locations);
     });
     connect(m_systemMonitor, &SystemMonitor::overviewChanged, this, &AppRoot::stripChanged);
     if (auto* app = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
@@ -131,9 +152,17 @@ QString AppRoot::ramStripText() const {
 
 double AppRoot::diskUsedFraction() const {
     const QVariantMap disk = section(m_systemMonitor->overview(), "disk");
-    const double total = disk.value(QStringLiteral("totalBytes")).toDouble();
-    return total > 0 ? qBound(0.0, disk.value(QStringLiteral("usedBytes")).toDouble() / total, 1.0)
-                     : 0.0;
+    // df's Use%: the blocks reserved for root count neither as used nor as free.
+    return qBound(0.0, disk.value(QStringLiteral("usagePercent")).toDouble() / 100.0, 1.0);
+}
+
+QUrl AppRoot::folderPanelChoice(const QUrl& selected, const QUrl& shown) {
+    if (!selected.isLocalFile() || !shown.isLocalFile()) {
+        return shown.isEmpty() ? selected : shown;
+    }
+    const QString folder = QDir::cleanPath(shown.toLocalFile());
+    const QString entry = QDir::cleanPath(selected.toLocalFile());
+    return QFileInfo(entry).absolutePath() == folder && entry != folder ? selected : shown;
 }
 
 void AppRoot::openFolderAtStart(const QString& folder) {
@@ -257,7 +286,7 @@ QString AppRoot::permissionTitle(const QString& name) const {
 QString AppRoot::permissionMessage(const QString& name) const {
     QString text = platformText("macOS requires permission to scan your ") + name +
                    QStringLiteral(" files.\n\nClick 'Grant Permission' to select your ") + name +
-                   QStringLiteral(" folder and authorize access");
+                   platformText(" folder and authorize access");
     // There is no privacy settings panel to send the user to on Linux.
     if (currentTextPlatform() == TextPlatform::macos) {
         text += QStringLiteral(", or open System Settings");

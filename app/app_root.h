@@ -130,6 +130,11 @@ public:
     /// target and is scanned; true when a scan was requested. An empty URL changes nothing.
     Q_INVOKABLE bool scanChosenFolder(const QUrl& folder);
 
+    /// The folder a folder panel's accept button means: the selected entry when it lies directly
+    /// in the folder the panel shows, otherwise the shown folder itself (nothing selected, or a
+    /// selection left over from a folder the user has since opened).
+    Q_INVOKABLE static QUrl folderPanelChoice(const QUrl& selected, const QUrl& shown);
+
     /// Same as scanChosenFolder for a local path (a folder dropped on the visualiser).
     Q_INVOKABLE bool scanChosenPath(const QString& path);
     /// The file:// URL of a local path (for folder panels' starting folder).

@@ -88,6 +88,49 @@ QStringList StorageDetails::breadcrumbNames() const {
     return names;
 }
 
+void StorageDetails::setBreadcrumbCapacity(int capacity) {
+    if (capacity != m_breadcrumbCapacity) {
+        m_breadcrumbCapacity = capacity;
+        emit changed();
+    }
+}
+
+QVariantList StorageDetails::breadcrumbElements() const {
+    return collapseBreadcrumb(breadcrumbNames(), m_breadcrumbCapacity);
+}
+
+QVariantList StorageDetails::collapseBreadcrumb(const QStringList& names, int capacity) {
+    const auto element = [](const QString& name, int index) {
+        return QVariantMap{{QStringLiteral("name"), name},
+                           {QStringLiteral("index"), index},
+                           {QStringLiteral("isEllipsis"), false},
+                           {QStringLiteral("hidden"), QVariantList()}};
+    };
+    const int count = static_cast<int>(names.size());
+    const int room = std::max(capacity, 3);
+    QVariantList shown;
+    if (count <= room) {
+        for (int i = 0; i < count; ++i) {
+            shown << element(names[i], i);
+        }
+        return shown;
+    }
+    const int tail = room - 2;
+    QVariantList hidden;
+    for (int i = 1; i < count - tail; ++i) {
+        hidden << QVariantMap{{QStringLiteral("name"), names[i]}, {QStringLiteral("index"), i}};
+    }
+    shown << element(names[0], 0);
+    shown << QVariantMap{{QStringLiteral("name"), QStringLiteral("\u2026")},
+                         {QStringLiteral("index"), -1},
+                         {QStringLiteral("isEllipsis"), true},
+                         {QStringLiteral("hidden"), hidden}};
+    for (int i = count - tail; i < count; ++i) {
+        shown << element(names[i], i);
+    }
+    return shown;
+}
+
 void StorageDetails::navigateToBreadcrumb(int index) {
     std::vector<FileItem> chain;
     for (FileItem node = m_navigator->currentFolder(); node; node = node.parent()) {

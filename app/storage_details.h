@@ -25,6 +25,11 @@ class StorageDetails : public QObject {
     Q_PROPERTY(QVariantList breakdown READ breakdown NOTIFY changed)
     /// Names from the scan root to the viewed folder.
     Q_PROPERTY(QStringList breadcrumbNames READ breadcrumbNames NOTIFY changed)
+    /// How many elements the breadcrumb has room for (set by the view from its width).
+    Q_PROPERTY(
+        int breadcrumbCapacity READ breadcrumbCapacity WRITE setBreadcrumbCapacity NOTIFY changed)
+    /// The breadcrumb as shown: collapseBreadcrumb(breadcrumbNames, breadcrumbCapacity).
+    Q_PROPERTY(QVariantList breadcrumbElements READ breadcrumbElements NOTIFY changed)
     // The selection (empty texts without one).
     Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY changed)
     Q_PROPERTY(QString selectedName READ selectedName NOTIFY changed)
@@ -53,6 +58,17 @@ public:
     QString folderItemsText() const;
     QVariantList breakdown() const;
     QStringList breadcrumbNames() const;
+    int breadcrumbCapacity() const { return m_breadcrumbCapacity; }
+    void setBreadcrumbCapacity(int capacity);
+    QVariantList breadcrumbElements() const;
+
+    /// The breadcrumb `names` (scan root first) shown in at most `capacity` elements: all of
+    /// them when they fit; otherwise the scan root, one ellipsis element standing for the middle
+    /// folders, and the last capacity - 2 folders, so the viewed folder is always shown. A
+    /// capacity below 3 counts as 3. Each element is a map {name, index (position in `names`,
+    /// -1 for the ellipsis), isEllipsis, hidden (for the ellipsis: maps {name, index} of the
+    /// folders it stands for, outermost first)}.
+    static QVariantList collapseBreadcrumb(const QStringList& names, int capacity);
 
     bool hasSelection() const;
     QString selectedName() const;
@@ -93,6 +109,7 @@ signals:
 
 private:
     StorageNavigator* m_navigator;
+    int m_breadcrumbCapacity = 1000;
 };
 
 } // namespace sondrel

@@ -1,5 +1,6 @@
 #include "app/storage_navigator.h"
 
+#include "app/qt_conversions.h"
 #include "app/storage_contents_model.h"
 #include "app/storage_details.h"
 
@@ -23,8 +24,10 @@ bool isWithin(const FileItem& item, const FileItem& ancestor) {
 } // namespace
 
 StorageNavigator::StorageNavigator(QObject* parent)
-    : QObject(parent), m_details(new StorageDetails(this)),
-      m_contents(new StorageContentsModel(this)) {}
+    : QObject(parent), m_restorer([](const std::string& trashedPath, const std::string& infoPath) {
+          return restoreFromTrash(trashedPath, infoPath);
+      }),
+      m_details(new StorageDetails(this)), m_contents(new StorageContentsModel(this)) {}
 
 StorageNavigator::~StorageNavigator() = default;
 
@@ -50,6 +53,8 @@ void StorageNavigator::setCurrentFolder(const FileItem& folder) {
     }
     m_current = folder == m_root ? FileItem{} : folder;
     emit currentFolderChanged();
+    // A zoom shows the folder's overview: whatever was selected belongs to the old view.
+    setSelectedItem({});
 }
 
 void StorageNavigator::goUp() {
@@ -121,7 +126,14 @@ void StorageNavigator::setVisualizerMode(int mode) {
 }
 
 bool StorageNavigator::trashFileItem(const FileItem& item) {
-    if (!item || !m_trasher || !m_trasher(item.url())) {
+    if (!item || !m_trasher) {
+        return false;
+    }
+    const QString name = toDisplayQString(item.name());
+    const TrashResult result = m_trasher(item.url());
+    if (!result.ok) {
+        setNotice(QStringLiteral("Could not move %1 to the Trash: %2")
+                      .arg(name, QString::fromStdString(result.error)));
         return false;
     }
     const bool selectionInside = m_selected && isWithin(m_selected, item);
@@ -135,8 +147,47 @@ bool StorageNavigator::trashFileItem(const FileItem& item) {
         m_selected = {};
         emit selectionChanged();
     }
+    m_undoTrash = result;
+    setNotice(QStringLiteral("Moved %1 to the Trash").arg(name), item);
     emit treeMutated();
     return true;
+}
+
+void StorageNavigator::undoTrash() {
+    if (!m_undoItem || !m_restorer) {
+        return;
+    }
+    const FileItem item = m_undoItem;
+    const QString name = toDisplayQString(item.name());
+    const RestoreResult result = m_restorer(m_undoTrash.trashedPath, m_undoTrash.infoPath);
+    if (!result.ok) {
+        setNotice(QStringLiteral("Could not restore %1: %2")
+                      .arg(name, QString::fromStdString(result.error)));
+        return;
+    }
+    // Back into the tree only when the tree is still the one shown (a rescan already has it).
+    const bool shown = m_root && item.tree() == m_root.tree();
+    setNotice(QStringLiteral("Restored %1").arg(name));
+    if (shown && item.reattachToParent()) {
+        emit treeMutated();
+    }
+}
+
+void StorageNavigator::dismissNotice() {
+    setNotice({});
+}
+
+void StorageNavigator::setNotice(const QString& notice, const FileItem& undoItem) {
+    if (notice == m_notice && undoItem == m_undoItem &&
+        static_cast<bool>(undoItem) == static_cast<bool>(m_undoItem)) {
+        return;
+    }
+    m_notice = notice;
+    m_undoItem = undoItem;
+    if (!undoItem) {
+        m_undoTrash = {};
+    }
+    emit noticeChanged();
 }
 
 } // namespace sondrel

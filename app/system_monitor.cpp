@@ -75,6 +75,8 @@ QVariantMap diskMap(const DiskStats& disk) {
     map.insert("formattedFree", text(disk.formattedFree()));
     map.insert("formattedPurgeable", text(disk.formattedPurgeable()));
     map.insert("formattedEffectiveAvailable", text(disk.formattedEffectiveAvailable()));
+    map.insert("reservedBytes", static_cast<double>(disk.reservedBytes));
+    map.insert("formattedReserved", text(disk.formattedReserved()));
     map.insert("formattedUsedOfTotal",
                text(disk.formattedUsed() + " of " + disk.formattedTotal() + " (" +
                     disk.formattedEffectiveAvailable() + " available)"));

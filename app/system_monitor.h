@@ -35,10 +35,10 @@ class SystemMonitor : public QObject {
     ///   formattedUsedOfTotal ("7.2 GB of 16 GB"), activeFraction, wiredFraction,
     ///   compressedFraction (0..1 shares of total, for the allocation bar);
     /// - "disk": totalBytes, freeBytes, purgeableBytes, availableBytes, effectiveAvailableBytes,
-    ///   usedBytes, rawUsedBytes (numbers), usagePercent (0..100), formattedUsagePercent,
-    ///   formattedTotal, formattedUsed, formattedFree, formattedPurgeable,
-    ///   formattedEffectiveAvailable, formattedUsedOfTotal ("120 GB of 250 GB (130 GB
-    ///   available)");
+    ///   usedBytes, rawUsedBytes, reservedBytes (numbers), usagePercent (0..100, df's Use%),
+    ///   formattedUsagePercent, formattedTotal, formattedUsed, formattedFree, formattedPurgeable,
+    ///   formattedEffectiveAvailable, formattedReserved, formattedUsedOfTotal ("120 GB of 250 GB
+    ///   (130 GB available)");
     /// - hostName, osVersion (strings), uptimeHours (number), formattedUptime ("3.4 hours").
     /// Byte counts are JS numbers (doubles, exact below 9 PB).
     Q_PROPERTY(QVariantMap overview READ overview NOTIFY overviewChanged)

@@ -2,9 +2,16 @@
 # Folder-scan benchmark: sondrel-cli scan against gdu, ncdu, du and the syscall floor, on one
 # seeded home-like tree, warm cache, in one run.
 #
+# The tree has no hidden entries: sondrel skips hidden names by design while gdu, ncdu and du
+# walk them, so only on such a tree do all tools see the same files and the ratios compare like
+# with like. HIDDEN=1 uses the tree with hidden entries instead (about a third of the files).
+#
 # Usage: bench/scan_bench.sh [TREE_DIR] [RUNS]
-#   TREE_DIR  where the generated tree lives (made once; default /var/tmp/sondrel-bench-tree)
+#   TREE_DIR  where the generated tree lives (made once; default
+#             /var/tmp/sondrel-bench-tree-visible, or /var/tmp/sondrel-bench-tree with HIDDEN=1)
 #   RUNS      timed runs per tool after one warm-up run (default 7)
+# The benchmark binaries are built outside the source tree, in SONDREL_BENCH_BUILD (default
+# /var/tmp/sondrel-bench-build).
 # With BEFORE=/path/to/an/older/sondrel-cli it also times that binary in the same runs (a change's
 # before and after, side by side). With COLD=1 (as root) it also times sondrel, gdu and the floor walker with the page, dentry
 # and inode caches dropped before every run (3 runs each).
@@ -15,9 +22,15 @@
 set -euo pipefail
 
 top=$(cd "$(dirname "$0")/.." && pwd)
-tree=${1:-/var/tmp/sondrel-bench-tree}
+if [ "${HIDDEN:-0}" = 1 ]; then
+  tree=${1:-/var/tmp/sondrel-bench-tree}
+  gen_flags=()
+else
+  tree=${1:-/var/tmp/sondrel-bench-tree-visible}
+  gen_flags=(--no-hidden)
+fi
 runs=${2:-7}
-build=$top/build/bench-release
+build=${SONDREL_BENCH_BUILD:-/var/tmp/sondrel-bench-build}
 
 if ! command -v gdu >/dev/null || ! command -v ncdu >/dev/null || [ ! -x /usr/bin/time ]; then
   "$top/scripts/install-deps" --bench
@@ -32,7 +45,7 @@ floor=$build/bench/sondrel-bench-floor_walker
 if [ ! -e "$tree/.complete" ]; then
   rm -rf "$tree"
   echo "generating the tree in $tree ..."
-  "$build/bench/sondrel-bench-tree_gen" "$tree" --seed 1
+  "$build/bench/sondrel-bench-tree_gen" "$tree" --seed 1 "${gen_flags[@]}"
   touch "$tree/.complete"
 fi
 
@@ -74,7 +87,8 @@ for tool in "${order[@]}"; do
 done
 
 echo
-echo "tree: $tree ($(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg), $runs warm runs each, medians)"
+hidden_files=$(find "$tree" -name '.*' ! -name .complete 2>/dev/null | wc -l)
+echo "tree: $tree, $hidden_files hidden entries ($(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg), $runs warm runs each, medians)"
 printf '%-10s %8s %9s %10s %8s %9s %12s\n' tool "wall s" "x floor" "x sondrel" "cpu s" "cpu x fl" "peak RSS MB"
 for tool in "${order[@]}"; do
   printf '%-10s %8.3f %9.2f %10.2f %8.3f %9.2f %12.1f\n' "$tool" "${wall[$tool]}" \

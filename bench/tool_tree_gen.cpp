@@ -1,6 +1,7 @@
 // sondrel-bench-tree_gen: builds a seeded, home-like folder tree for the scan benchmarks.
 //
 // Usage: sondrel-bench-tree_gen OUTDIR [--seed N] [--files N] [--folders N] [--large N]
+//                               [--no-hidden]
 //
 // The tree (same seed, same tree) has the shape of a real home folder: media and document
 // folders, projects with node_modules-like subtrees and .git folders, a wide camera folder,
@@ -11,7 +12,9 @@
 // --large N adds N more sparse files of 20 MiB to 2 GiB at every depth, one in four of them
 // inside a folder the large-file search prunes (build, dist, vendor, Caches, ...), and two files
 // on each side of the 20 MiB floor.
-// OUTDIR must not exist yet. Prints a one-line summary of what it made.
+// With --no-hidden no entry has a hidden name (".cache" becomes "cache", and so on; the random
+// sequence is the same), so that tools that skip hidden entries and tools that walk them see
+// the same files. OUTDIR must not exist yet. Prints a one-line summary of what it made.
 
 #include <cerrno>
 #include <cstdio>
@@ -40,6 +43,7 @@ struct Generator {
     long long hardLinkCount = 0;
     long long bytes = 0;
     std::string content = std::string(8192, 'x');
+    bool hidden = true; // false: no entry gets a hidden name
 
     explicit Generator(std::uint64_t seed) : random(seed) {}
 
@@ -86,12 +90,17 @@ struct Generator {
         }
     }
 
+    // A top-level or fixed folder name: ".git" stays hidden only when hidden names are made.
+    std::string fixed(const std::string& text) const {
+        return hidden || text.empty() || text[0] != '.' ? text : text.substr(1);
+    }
+
     std::string name(const char* stem, std::uint64_t n) {
         static const char* const kExtensions[] = {".txt", ".jpg", ".png",  ".pdf", ".mp3",
                                                   ".mp4", ".js",  ".json", ".c",   ".h",
                                                   ".zip", ".iso", "",      ".md",  ".py"};
         std::string text = stem + std::to_string(n);
-        if (below(20) == 0) {
+        if (below(20) == 0 && hidden) {
             text = "." + text; // hidden
         }
         return text + kExtensions[below(sizeof kExtensions / sizeof *kExtensions)];
@@ -121,6 +130,7 @@ int main(int argc, char** argv) {
     long long targetFiles = 300000;
     int targetFolders = 30000;
     long long largeFiles = 0;
+    bool hidden = true;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "--seed" && i + 1 < argc) {
@@ -131,11 +141,13 @@ int main(int argc, char** argv) {
             targetFolders = std::atoi(argv[++i]);
         } else if (arg == "--large" && i + 1 < argc) {
             largeFiles = std::atoll(argv[++i]);
+        } else if (arg == "--no-hidden") {
+            hidden = false;
         } else if (out.empty() && arg[0] != '-') {
             out = arg;
         } else {
             std::fprintf(stderr, "usage: sondrel-bench-tree_gen OUTDIR [--seed N] [--files N] "
-                                 "[--folders N] [--large N]\n");
+                                 "[--folders N] [--large N] [--no-hidden]\n");
             return 2;
         }
     }
@@ -145,6 +157,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     Generator gen(seed);
+    gen.hidden = hidden;
     gen.folders.push_back({out, 0});
     const Folder root{out, 0};
 
@@ -154,7 +167,7 @@ int main(int argc, char** argv) {
                                ".local",    "snap",     "Dropbox", "Public"};
     std::vector<Folder> tops;
     for (const char* t : top) {
-        gen.makeDir(out + "/" + t, 1);
+        gen.makeDir(out + "/" + gen.fixed(t), 1);
         tops.push_back(gen.folders.back());
     }
 
@@ -171,7 +184,7 @@ int main(int argc, char** argv) {
     for (int p = 0; p < projects; ++p) {
         const std::string project = out + "/Projects/app" + std::to_string(p);
         gen.makeDir(project, 2);
-        gen.makeDir(project + "/.git", 3);
+        gen.makeDir(project + "/" + gen.fixed(".git"), 3);
         gen.growFolders(gen.folders.back(), 60, 6, "obj");
         gen.makeDir(project + "/src", 3);
         gen.growFolders(gen.folders.back(), 80, 8, "mod");

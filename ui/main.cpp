@@ -45,8 +45,6 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationVersion(QStringLiteral(SONDREL_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("sondrel"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/sondrel/app/sondrel.svg")));
-    // Closing the window ends the program even while the tray icon is shown.
-    QApplication::setQuitOnLastWindowClosed(true);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -71,6 +69,8 @@ int main(int argc, char* argv[]) {
         return 1;
     }
     sondrel::TrayIcon tray(&actions);
-    tray.show();
+    // With a tray icon shown, closing the window keeps Sondrel running in the tray (its menu
+    // brings the window back or quits); without a tray, closing the window quits.
+    QApplication::setQuitOnLastWindowClosed(!tray.show());
     return QApplication::exec();
 }

@@ -88,4 +88,21 @@ bool FileItem::removeFromParent() const {
     return true;
 }
 
+bool FileItem::reattachToParent() const {
+    FileNode* up = m_node->parent;
+    if (up == nullptr || !m_node->isDetached()) {
+        return false;
+    }
+    FileNode** link = &up->firstChild;
+    while (*link != nullptr && (*link)->size >= m_node->size) {
+        link = &(*link)->nextSibling;
+    }
+    m_node->nextSibling = *link;
+    *link = m_node;
+    ++up->childCount;
+    m_node->flags = static_cast<std::uint8_t>(m_node->flags & ~FileNode::kDetached);
+    up->size += m_node->size;
+    return true;
+}
+
 } // namespace sondrel

@@ -78,6 +78,10 @@ public:
     /// size from the direct parent only (ancestors and file counts keep their values) and marks
     /// the item detached. Returns false (and changes nothing) for a root or detached item.
     bool removeFromParent() const;
+    /// Undoes removeFromParent: links the item back into its parent's children at its place by
+    /// size and adds its size back to the direct parent. Returns false (and changes nothing)
+    /// unless the item is detached.
+    bool reattachToParent() const;
 
     /// The underlying node and tree, for code that walks many nodes at once.
     const FileNode* node() const { return m_node; }

@@ -19,7 +19,16 @@ std::string withPlatformTerms(std::string_view text, TextPlatform platform) {
         return result;
     }
     // Longer phrases first, so that "macOS Trash" is not half-replaced by the "macOS" rule.
-    static constexpr std::array<std::pair<std::string_view, std::string_view>, 13> kTerms = {{
+    // Whole sentences come first: Linux shows no privacy prompt, a folder is unreadable only
+    // because its permissions say so.
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 16> kTerms = {{
+        {"You selected 'Don't Allow' for this directory, so its files were not pulled into the "
+         "app.",
+         "The folder's permissions do not let you read it, so its files were not pulled into the "
+         "app."},
+        {"macOS requires permission to scan your ",
+         "The folder's permissions do not let you read your "},
+        {" folder and authorize access", " folder, or a copy of it that you can read"},
         {"macOS Trash", "Trash"},
         {"Reveal in macOS Finder", "Show in Files"},
         {"Reveal in Finder", "Show in Files"},

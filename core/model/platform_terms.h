@@ -19,7 +19,8 @@ TextPlatform currentTextPlatform();
 /// computer", "macOS Finder" and "Finder" -> "Files", "Apple System Integrity Protection" -> "the
 /// system's package manager", "Xcode DerivedData" -> "developer build caches", "Apple Silicon /
 /// Intel processors" -> "x86 / ARM processors", "APFS Storage" -> "Disk Storage", "Mac Name" ->
-/// "Computer Name", "macOS" -> "Linux".
+/// "Computer Name", "macOS" -> "Linux"; and the sentences that speak of a privacy prompt say on
+/// Linux that the folder's permissions do not let the user read it.
 std::string withPlatformTerms(std::string_view text, TextPlatform platform);
 
 } // namespace sondrel

@@ -11,7 +11,7 @@ std::int64_t DiskStats::effectiveAvailableBytes() const {
 }
 
 std::int64_t DiskStats::usedBytes() const {
-    return std::max<std::int64_t>(totalBytes - effectiveAvailableBytes(), 0);
+    return std::max<std::int64_t>(totalBytes - reservedBytes - effectiveAvailableBytes(), 0);
 }
 
 std::int64_t DiskStats::rawUsedBytes() const {
@@ -19,10 +19,12 @@ std::int64_t DiskStats::rawUsedBytes() const {
 }
 
 double DiskStats::usagePercent() const {
-    if (totalBytes <= 0) {
+    const std::int64_t capacity = totalBytes - reservedBytes;
+    if (totalBytes <= 0 || capacity <= 0) {
         return 0.0;
     }
-    return static_cast<double>(usedBytes()) / static_cast<double>(totalBytes) * 100.0;
+    return std::min(static_cast<double>(usedBytes()) / static_cast<double>(capacity) * 100.0,
+                    100.0);
 }
 
 std::string DiskStats::formattedTotal() const {
@@ -39,6 +41,9 @@ std::string DiskStats::formattedPurgeable() const {
 }
 std::string DiskStats::formattedEffectiveAvailable() const {
     return formatBytes(effectiveAvailableBytes());
+}
+std::string DiskStats::formattedReserved() const {
+    return formatBytes(reservedBytes);
 }
 
 } // namespace sondrel

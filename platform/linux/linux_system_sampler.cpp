@@ -80,8 +80,12 @@ DiskStats LinuxSystemSampler::disk() {
     }
     const unsigned long long blockSize = info.f_frsize != 0 ? info.f_frsize : info.f_bsize;
     stats.totalBytes = bytesOf(info.f_blocks, blockSize);
-    stats.freeBytes = bytesOf(info.f_bfree, blockSize);
+    // df's meanings: what the user may write is free; the blocks kept for root are neither
+    // used nor free for the user and are reported apart.
     stats.availableBytes = bytesOf(info.f_bavail, blockSize);
+    stats.freeBytes = stats.availableBytes;
+    stats.reservedBytes =
+        info.f_bfree > info.f_bavail ? bytesOf(info.f_bfree - info.f_bavail, blockSize) : 0;
     return stats;
 }
 

@@ -102,13 +102,32 @@ private slots:
         bool succeed = false;
         nav.setTrasher([&](const std::string& path) {
             trashed.push_back(path);
-            return succeed;
+            TrashResult result;
+            result.ok = succeed;
+            result.error = succeed ? "" : "permission denied";
+            result.trashedPath = "/trash/files/Videos";
+            result.infoPath = "/trash/info/Videos.trashinfo";
+            return result;
+        });
+        std::vector<std::string> restored;
+        bool restoreSucceeds = false;
+        nav.setRestorer([&](const std::string& trashedPath, const std::string& infoPath) {
+            restored.push_back(trashedPath + " " + infoPath);
+            RestoreResult result;
+            result.ok = restoreSucceeds;
+            result.error = "something else now exists at its original place";
+            return result;
         });
         const FileItem videos = childNamed(root, "Videos");
         nav.setSelectedItem(childNamed(videos, "movie.mp4"));
         QVERIFY(!nav.details()->trashSelected()); // the Trash refused: nothing changes
         QCOMPARE(videos.size(), 40'000'000);
         QCOMPARE(nav.contents()->count(), 4);
+        // ... and says why, in one line, with nothing to undo.
+        QCOMPARE(nav.notice(), QString("Could not move movie.mp4 to the Trash: permission denied"));
+        QVERIFY(!nav.canUndoTrash());
+        nav.undoTrash();
+        QVERIFY(restored.empty());
 
         succeed = true;
         QSignalSpy mutated(&nav, &StorageNavigator::treeMutated);
@@ -118,6 +137,60 @@ private slots:
         QVERIFY(!nav.hasSelection()); // the selection was inside the trashed folder
         QCOMPARE(root.size(), 22'490'760);
         QCOMPARE(nav.contents()->count(), 3);
+        QCOMPARE(nav.notice(), QString("Moved Videos to the Trash"));
+        QVERIFY(nav.canUndoTrash());
+
+        // A refused restore keeps the tree as it is and says why.
+        nav.undoTrash();
+        QCOMPARE(restored,
+                 std::vector<std::string>{"/trash/files/Videos /trash/info/Videos.trashinfo"});
+        QCOMPARE(nav.notice(), QString("Could not restore Videos: something else now exists at "
+                                       "its original place"));
+        QVERIFY(!nav.canUndoTrash());
+        QCOMPARE(nav.contents()->count(), 3);
+
+        // Undo puts the folder back into the tree, at its place by size.
+        restoreSucceeds = true;
+        restored.clear();
+        const FileItem iso = childNamed(root, "exact.iso");
+        QVERIFY(nav.trashFileItem(iso));
+        QCOMPARE(nav.contents()->count(), 2);
+        nav.undoTrash();
+        QCOMPARE(restored.size(), 1u);
+        QCOMPARE(nav.notice(), QString("Restored exact.iso"));
+        QVERIFY(!nav.canUndoTrash());
+        QCOMPARE(nav.contents()->count(), 3);
+        QVERIFY(childNamed(root, "exact.iso"));
+        QCOMPARE(mutated.count(), 3);
+        nav.dismissNotice();
+        QVERIFY(nav.notice().isEmpty());
+    }
+
+    void longBreadcrumbsCollapseTheMiddle() {
+        const QStringList names = {"home", "a", "b", "c", "d", "current"};
+        const auto shown = [](const QVariantList& elements) {
+            QStringList out;
+            for (const QVariant& e : elements) {
+                const QVariantMap map = e.toMap();
+                out << map["name"].toString() + "@" + map["index"].toString();
+            }
+            return out;
+        };
+        QCOMPARE(shown(StorageDetails::collapseBreadcrumb(names, 6)),
+                 (QStringList{"home@0", "a@1", "b@2", "c@3", "d@4", "current@5"}));
+        QCOMPARE(shown(StorageDetails::collapseBreadcrumb(names, 4)),
+                 (QStringList{"home@0", QString::fromUtf8("\u2026@-1"), "d@4", "current@5"}));
+        // Never fewer than the root, the ellipsis and the viewed folder.
+        const QVariantList tight = StorageDetails::collapseBreadcrumb(names, 0);
+        QCOMPARE(shown(tight),
+                 (QStringList{"home@0", QString::fromUtf8("\u2026@-1"), "current@5"}));
+        QVERIFY(tight[1].toMap()["isEllipsis"].toBool());
+        QStringList hidden;
+        for (const QVariant& h : tight[1].toMap()["hidden"].toList()) {
+            hidden << h.toMap()["name"].toString();
+        }
+        QCOMPARE(hidden, (QStringList{"a", "b", "c", "d"}));
+        QCOMPARE(shown(StorageDetails::collapseBreadcrumb({"home"}, 0)), QStringList{"home@0"});
     }
 
     void rationaleUsesPlatformTerms() {

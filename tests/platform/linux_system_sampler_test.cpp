@@ -103,19 +103,26 @@ TEST(LinuxSystemSamplerTest, LiveMemoryAgreesWithFree) {
 }
 
 TEST(LinuxSystemSamplerTest, LiveDiskAgreesWithDf) {
-    // df -B1 --output=size,avail /: a header line, then "<size> <avail>".
-    std::istringstream lines(outputOf("LC_ALL=C df -B1 --output=size,avail / 2>/dev/null"));
+    // df -B1 --output=size,used,avail,pcent /: a header line, then "<size> <used> <avail> N%".
+    std::istringstream lines(
+        outputOf("LC_ALL=C df -B1 --output=size,used,avail,pcent / 2>/dev/null"));
     std::string header;
     std::int64_t size = 0;
+    std::int64_t used = 0;
     std::int64_t avail = 0;
-    if (!std::getline(lines, header) || !(lines >> size >> avail)) {
+    double percent = 0;
+    if (!std::getline(lines, header) || !(lines >> size >> used >> avail >> percent)) {
         GTEST_SKIP() << "df is not available";
     }
     const DiskStats disk = LinuxSystemSampler().disk();
     EXPECT_EQ(disk.totalBytes, size);
     // The two reads are a moment apart; other programs may write in between.
     EXPECT_NEAR(static_cast<double>(disk.availableBytes), static_cast<double>(avail), 64e6);
-    EXPECT_GE(disk.freeBytes, disk.availableBytes);
+    EXPECT_NEAR(static_cast<double>(disk.usedBytes()), static_cast<double>(used), 64e6);
+    EXPECT_EQ(disk.freeBytes, disk.availableBytes);
+    EXPECT_EQ(disk.usedBytes() + disk.availableBytes + disk.reservedBytes, disk.totalBytes);
+    // df rounds its Use% up.
+    EXPECT_NEAR(disk.usagePercent(), percent - 0.5, 0.6);
 }
 
 TEST(LinuxSystemSamplerTest, LiveProcessorsMatchTheOnlineCount) {

@@ -8,14 +8,21 @@
 #include "ui/src/app_actions.h"
 #include "ui/src/shell_setup.h"
 #include "ui/src/symbol_icons.h"
+#include "ui/src/tray_icon.h"
 
 #ifndef Q_MOC_RUN
 #include "platform/locations.h"
 #endif
 
+#include <QAction>
+#include <QApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QGuiApplication>
+#include <QImage>
+#include <QMessageBox>
+#include <QPalette>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -26,6 +33,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
+#include <algorithm>
 #include <memory>
 
 Q_IMPORT_QML_PLUGIN(SondrelPlugin)
@@ -54,6 +62,48 @@ QQuickItem* findItem(QQuickItem* root, const QString& name) {
 
 QQuickItem* findItem(QQuickWindow* window, const QString& name) {
     return findItem(window->contentItem(), name);
+}
+
+// True for a card: the Card component (and what derives from it) or any rounded panel with a
+// visible border drawn as one.
+bool isCard(const QQuickItem* item) {
+    for (const QMetaObject* meta = item->metaObject(); meta != nullptr; meta = meta->superClass()) {
+        if (QByteArray(meta->className()).startsWith("Card_QMLTYPE")) {
+            return true;
+        }
+    }
+    const auto* pen = qvariant_cast<QObject*>(item->property("border"));
+    return pen != nullptr && item->property("radius").toReal() >= 8 &&
+           pen->property("width").toReal() >= 1;
+}
+
+// Every visible Text under `item` whose text runs past its card (or past the window when it
+// is in no card), as "text (N px too wide)".
+void collectOverflows(QQuickItem* item, const QRectF& window, QStringList& overflows) {
+    if (!item->isVisible() || item->opacity() <= 0) {
+        return;
+    }
+    if (item->inherits("QQuickText") && !item->property("text").toString().isEmpty()) {
+        const qreal drawn = std::max(item->width(), item->property("contentWidth").toReal());
+        const QRectF text = item->mapRectToScene(QRectF(0, 0, drawn, item->height()));
+        QRectF bounds = window;
+        for (QQuickItem* up = item->parentItem(); up != nullptr; up = up->parentItem()) {
+            if (isCard(up)) {
+                bounds = up->mapRectToScene(QRectF(0, 0, up->width(), up->height()));
+                break;
+            }
+        }
+        const qreal excess = std::max(text.right() - bounds.right(), bounds.left() - text.left());
+        if (excess > 1.0) {
+            overflows << QStringLiteral("%1 (%2 px too wide)")
+                             .arg(item->property("text").toString())
+                             .arg(excess, 0, 'f', 0);
+        }
+    }
+    const QList<QQuickItem*> children = item->childItems();
+    for (QQuickItem* child : children) {
+        collectOverflows(child, window, overflows);
+    }
 }
 
 } // namespace
@@ -105,6 +155,28 @@ private slots:
         QVERIFY(m_window->minimumWidth() >= 1040);
         QVERIFY(m_window->minimumHeight() >= 680);
         QCOMPARE(m_root->selectedSection(), 0);
+    }
+
+    // At the minimum size no text of any section runs past its card.
+    void everyPageFitsTheMinimumSize() {
+        const QSize before = m_window->size();
+        m_window->resize(m_window->minimumWidth(), m_window->minimumHeight());
+        QTRY_COMPARE(m_window->width(), m_window->minimumWidth());
+        const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
+        for (int i = 0; i < NavigationSection::kCount; ++i) {
+            m_root->setSelectedSection(i);
+            QTest::qWait(50);
+            QStringList overflows;
+            const QRectF window(0, 0, m_window->width(), m_window->height());
+            collectOverflows(m_window->contentItem(), window, overflows);
+            QVERIFY2(overflows.isEmpty(),
+                     qPrintable(QStringLiteral("section %1: ").arg(i) + overflows.join("; ")));
+            if (!shots.isEmpty() && i == NavigationSection::Storage) {
+                QVERIFY(m_window->grabWindow().save(shots + "/minimum-size-storage.png"));
+            }
+        }
+        m_root->setSelectedSection(0);
+        m_window->resize(before);
     }
 
     void sidebarShowsSectionsInOrder() {
@@ -245,6 +317,93 @@ private slots:
         m_root->themeManager()->setCurrentThemeName(QStringLiteral("Obsidian Dark"));
     }
 
+    // Tab reaches the theme cards, the focused card shows its ring, Space picks it; Escape
+    // closes an open dialog.
+    void keyboardReachesThemeCards() {
+        m_root->themeManager()->setCurrentThemeName(QStringLiteral("Obsidian Dark"));
+        m_root->setSelectedSection(NavigationSection::Settings);
+        m_window->requestActivate();
+        QQuickItem* list = findItem(m_window, QStringLiteral("sectionList"));
+        QVERIFY(list != nullptr);
+        list->forceActiveFocus(Qt::TabFocusReason);
+        QQuickItem* card = nullptr;
+        for (int i = 0; i < 40 && card == nullptr; ++i) {
+            QTest::keyClick(m_window, Qt::Key_Tab);
+            QQuickItem* focused = m_window->activeFocusItem();
+            if (focused != nullptr && focused->objectName().startsWith("themeCard_") &&
+                focused->objectName() != QStringLiteral("themeCard_Obsidian Dark")) {
+                card = focused;
+            }
+        }
+        QVERIFY2(card != nullptr, "no theme card took the focus");
+        QQuickItem* ring = findItem(card, QStringLiteral("focusRing"));
+        QVERIFY(ring != nullptr && ring->isVisible());
+        const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            QVERIFY(m_window->grabWindow().save(shots + "/keyboard-focus-theme-card.png"));
+        }
+        const QString name = card->objectName().mid(QStringLiteral("themeCard_").size());
+        QTest::keyClick(m_window, Qt::Key_Space);
+        QTRY_COMPARE(m_root->themeManager()->currentThemeName(), name);
+        // What Qt draws itself follows the theme: the application palette's window colour.
+        QCOMPARE(QGuiApplication::palette().color(QPalette::Window),
+                 m_root->themeManager()->background());
+        m_root->themeManager()->setCurrentThemeName(QStringLiteral("Obsidian Dark"));
+        QCOMPARE(QGuiApplication::palette().color(QPalette::Window),
+                 m_root->themeManager()->background());
+    }
+
+    // The About and Help panels (message boxes) are drawn in the current theme, not the light
+    // system style: widgets take the application palette, which follows the theme.
+    void aboutAndHelpUseTheTheme() {
+        m_root->themeManager()->setCurrentThemeName(QStringLiteral("Deep Ocean"));
+        const QColor background = m_root->themeManager()->background();
+        const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
+        for (const bool about : {true, false}) {
+            QMessageBox box(QMessageBox::Information, QStringLiteral("Sondrel"),
+                            about ? QStringLiteral("Sondrel")
+                                  : QStringLiteral("Sondrel Help & Support"));
+            box.setInformativeText(about ? AppActions::aboutText() : AppActions::helpText());
+            box.addButton(about ? QStringLiteral("Contact Support")
+                                : QStringLiteral("Email Support"),
+                          QMessageBox::ActionRole);
+            box.addButton(QStringLiteral("Close"), QMessageBox::RejectRole);
+            QCOMPARE(box.palette().color(QPalette::Window), background);
+            const QColor text = box.palette().color(QPalette::WindowText);
+            QVERIFY(qAbs(text.lightness() - background.lightness()) > 100);
+            const QImage image = box.grab().toImage();
+            QVERIFY(!image.isNull());
+            // A pixel near the top-left corner shows the theme's background, not white.
+            QCOMPARE(image.pixelColor(4, 4).rgb(), background.rgb());
+            if (!shots.isEmpty()) {
+                QVERIFY(image.save(shots + (about ? "/about-panel-deep-ocean.png"
+                                                  : "/help-panel-deep-ocean.png")));
+            }
+        }
+        m_root->themeManager()->setCurrentThemeName(QStringLiteral("Obsidian Dark"));
+    }
+
+    // The tray menu: no lost '&', and "Open Storage Scopix" opens the storage section.
+    void trayMenuOpensTheStorageSection() {
+        TrayIcon tray(m_actions.get());
+        m_root->setSelectedSection(NavigationSection::Settings);
+        QAction* open = nullptr;
+        for (QAction* action : tray.menu()->actions()) {
+            QVERIFY2(!action->text().contains(QRegularExpression("&[^&]")) ||
+                         action->text().contains("&&"),
+                     qPrintable(action->text()));
+            if (action->text().startsWith(QStringLiteral("Open "))) {
+                open = action;
+            }
+        }
+        QVERIFY(open != nullptr);
+        if (QGuiApplication::platformName() == QStringLiteral("offscreen")) {
+            QTest::ignoreMessage(QtWarningMsg, "This plugin does not support raise()");
+        }
+        open->trigger();
+        QCOMPARE(m_root->selectedSection(), static_cast<int>(NavigationSection::Storage));
+    }
+
     void permissionCancelKeepsTargetAndTree() {
         m_root->setSelectedSection(1);
         QVERIFY(m_root->scanChosenPath(home() + "/data"));
@@ -271,6 +430,14 @@ private slots:
         QCOMPARE(m_root->selectedTargetFolder(), target);
         QCOMPARE(m_root->navigator()->root(), tree);
         QCOMPARE(requested.count(), 0);
+
+        // Escape closes the dialog the same way.
+        QVERIFY(!m_root->requestCloudAccessAndScan(home() + "/Nextcloud", "Nextcloud"));
+        QTRY_VERIFY(dialog->property("opened").toBool());
+        QTest::keyClick(m_window, Qt::Key_Escape);
+        QTRY_VERIFY(!dialog->property("visible").toBool());
+        QCOMPARE(requested.count(), 0);
+        QCOMPARE(m_root->selectedTargetFolder(), target);
     }
 
     void everySymbolHasAnIcon() {

@@ -2,6 +2,8 @@
 // canvases, and the details pane, driven with real mouse events.
 #include "app/storage_details.h"
 #include "app/storage_navigator.h"
+#include "core/removal/trash.h"
+#include "core/removal/trash_restore.h"
 #include "core/scan/tree_scan.h"
 #include "tests/ui/storage_test_tree.h"
 #include "ui/src/color_rings_canvas_view.h"
@@ -178,6 +180,32 @@ private slots:
         QTest::mouseDClick(m_view.get(), Qt::LeftButton, {}, scenePoint(canvas, videos));
         QCOMPARE(m_navigator->currentFolder(), videos);
         QCOMPARE(m_navigator->details()->breadcrumbNames(), (QStringList{"home", "Videos"}));
+        // After a zoom nothing is selected: the details pane shows the folder's overview.
+        QVERIFY(!m_navigator->hasSelection());
+    }
+
+    // In the treemap the pointer of a zooming double click lies on a tile of the new view; the
+    // click's closing release must not select it.
+    void doubleClickZoomInTheTreemapSelectsNothing() {
+        TreemapCanvasView* canvas = showTreemap();
+        QVERIFY(canvas != nullptr);
+        const FileItem projects = childNamed(m_root, "Projects");
+        QTest::mouseDClick(m_view.get(), Qt::LeftButton, {}, scenePoint(canvas, projects));
+        QCOMPARE(m_navigator->currentFolder(), projects);
+        QVERIFY(!m_navigator->hasSelection());
+        // "Up Level" above the treemap goes back, and is disabled at the scan root.
+        auto* up = find<QQuickItem>("treemapUpLevel");
+        QVERIFY(up != nullptr && up->isEnabled());
+        click(up);
+        QCOMPARE(m_navigator->currentFolder(), m_root);
+        QVERIFY(!up->isEnabled());
+        QTest::mouseDClick(m_view.get(), Qt::LeftButton, {}, scenePoint(canvas, projects));
+        QCOMPARE(m_navigator->currentFolder(), projects);
+        // The next single click selects again.
+        QTRY_VERIFY(canvas->shapeCount() > 0);
+        const FileItem first = canvas->filteredItems().front();
+        QTest::mouseClick(m_view.get(), Qt::LeftButton, {}, scenePoint(canvas, first));
+        QCOMPARE(m_navigator->selectedItem(), first);
     }
 
     // The rings' cached layer is painted in horizontal bands on several threads: every sector
@@ -242,7 +270,18 @@ private slots:
         QCOMPARE(canvas->hudItemsText(), QStringLiteral("2 items"));
         QTest::mouseMove(m_view.get(), hole.toPoint());
         QTRY_VERIFY(!canvas->hudIsHover());
-        QCOMPARE(canvas->hudName(), QStringLiteral("home"));
+        // Nothing selected: the drive stands in (the viewed folder is not shown).
+        QCOMPARE(canvas->hudName(), QStringLiteral("Internal Drive"));
+        QCOMPARE(canvas->hudIcon(), QStringLiteral("internaldrive.fill"));
+        QVERIFY(canvas->hudSizeText().isEmpty());
+        // A selected file keeps the drive icon; a selected folder shows the gear-badged folder.
+        m_navigator->setSelectedItem(childNamed(m_root, "exact.iso"));
+        QCOMPARE(canvas->hudName(), QStringLiteral("exact.iso"));
+        QCOMPARE(canvas->hudIcon(), QStringLiteral("internaldrive.fill"));
+        m_navigator->setSelectedItem(videos);
+        QCOMPARE(canvas->hudIcon(), QStringLiteral("folder.badge.gearshape.fill"));
+        QTest::mouseMove(m_view.get(), scenePoint(canvas, childNamed(m_root, "exact.iso")));
+        QTRY_COMPARE(canvas->hudIcon(), QStringLiteral("doc.fill"));
     }
 
     void clickSelectsAndTheDetailsPaneShowsTheRationale() {
@@ -281,19 +320,67 @@ private slots:
         std::vector<std::string> trashed;
         m_navigator->setTrasher([&](const std::string& path) {
             trashed.push_back(path);
-            return true;
+            TrashResult result;
+            result.ok = true;
+            result.trashedPath = "/trash/files/Videos";
+            result.infoPath = "/trash/info/Videos.trashinfo";
+            return result;
+        });
+        int restores = 0;
+        m_navigator->setRestorer([&](const std::string&, const std::string&) {
+            ++restores;
+            RestoreResult result;
+            result.ok = true;
+            return result;
         });
         QSignalSpy menu(canvas, &StorageCanvas::contextMenuRequested);
         const FileItem videos = childNamed(m_root, "Videos");
         QTest::mouseClick(m_view.get(), Qt::RightButton, {}, scenePoint(canvas, videos));
         QCOMPARE(menu.count(), 1);
+        // The right-clicked item is selected and named by the menu's first line.
+        QCOMPARE(m_navigator->selectedItem(), videos);
+        QCOMPARE(canvas->contextName(), QStringLiteral("Videos"));
+        // The menu's items live in the popup layer, outside the page's item tree.
+        QObject* title = canvas->findChild<QObject*>("contextMenuTitle");
+        QVERIFY(title != nullptr);
+        QCOMPARE(title->property("text").toString(), QStringLiteral("Videos"));
         QVERIFY(canvas->contextIsDirectory());
-        QVERIFY(!canvas->contextIsApplication()); // no application catalogue in this test
+        QVERIFY(!canvas->contextIsApplication());      // no application catalogue in this test
+        QTest::keyClick(m_view.get(), Qt::Key_Escape); // closes the menu
         canvas->trashContextItem();
         QCOMPARE(trashed, std::vector<std::string>{"/scan/home/Videos"});
         QCOMPARE(canvas->shapeCount(), 3);
         QCOMPARE(canvas->centerOf(videos), QPointF(-1, -1)); // its tile is gone
-        QTest::keyClick(m_view.get(), Qt::Key_Escape);       // closes the menu
+
+        // The notice names the item and offers to undo.
+        auto* notice = find<QQuickItem>("trashNotice");
+        QVERIFY(notice != nullptr);
+        QTRY_VERIFY(notice->isVisible());
+        QCOMPARE(find<QQuickItem>("trashNoticeText")->property("text").toString(),
+                 QStringLiteral("Moved Videos to the Trash"));
+        const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            QVERIFY(m_view->grabWindow().save(shots + "/storage-trash-notice-undo.png"));
+        }
+        click(find<QQuickItem>("undoTrashButton"));
+        QCOMPARE(restores, 1);
+        QCOMPARE(canvas->shapeCount(), 4);
+        QCOMPARE(find<QQuickItem>("trashNoticeText")->property("text").toString(),
+                 QStringLiteral("Restored Videos"));
+        QVERIFY(!find<QQuickItem>("undoTrashButton")->isVisible());
+        click(find<QQuickItem>("dismissNoticeButton"));
+        QTRY_VERIFY(!notice->isVisible());
+    }
+
+    void escapeClearsTheSelection() {
+        auto* canvas = find<ColorRingsCanvasView>("ringsCanvas");
+        QVERIFY(canvas != nullptr);
+        QTRY_VERIFY(canvas->shapeCount() > 0);
+        const FileItem file = childNamed(m_root, "exact.iso");
+        QTest::mouseClick(m_view.get(), Qt::LeftButton, {}, scenePoint(canvas, file));
+        QCOMPARE(m_navigator->selectedItem(), file);
+        QTest::keyClick(m_view.get(), Qt::Key_Escape);
+        QVERIFY(!m_navigator->hasSelection());
     }
 
     void droppedFolderIsReportedAndOtherDropsIgnored() {

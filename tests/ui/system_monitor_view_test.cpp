@@ -22,8 +22,8 @@ Q_IMPORT_QML_PLUGIN(SondrelPlugin)
 namespace sondrel {
 namespace {
 
-// Figures that give round texts: 25% load (20 user, 5 system), 7 of 16 GB memory, 300 of 500 GB
-// disk used.
+// Figures that give round texts: 25% load (20 user, 5 system), 7 of 16 GB memory, a 500 GB disk
+// with 200 GB available and 25 GB reserved for root, so 275 GB used, df's Use% 58%.
 class FixedSampler final : public SystemSampler {
 public:
     std::vector<ProcessorTicks> processorTicks() override {
@@ -35,7 +35,9 @@ public:
     MemoryStats memory() override {
         return {16'000'000'000, 4'000'000'000, 2'000'000'000, 1'000'000'000, 5'000'000'000};
     }
-    DiskStats disk() override { return {500'000'000'000, 200'000'000'000, 0, 0}; }
+    DiskStats disk() override {
+        return {500'000'000'000, 200'000'000'000, 0, 200'000'000'000, 25'000'000'000};
+    }
     HostFacts hostFacts() override { return {"tester", "Testix 1, kernel 6.1", 7200.0}; }
 
     std::uint64_t m_userStep = 20;
@@ -133,8 +135,8 @@ private slots:
             "Memory Pressure",
             "44%",
             "7 GB of 16 GB",
-            "60%",
-            "300 GB of 500 GB (200 GB available)",
+            "58%",
+            "275 GB of 500 GB (200 GB available)",
             "CPU Activity History",
             "Last 30 Seconds",
             "Memory Allocation",
@@ -149,11 +151,13 @@ private slots:
             "Storage",
             "Total: 500 GB",
             "Used Space",
-            "300 GB",
+            "275 GB",
             "Purgeable",
             "Zero KB",
             "Physical Free",
             "200 GB",
+            "Reserved for the system",
+            "25 GB",
             "System Uptime",
             "tester",
             "Testix 1, kernel 6.1",
@@ -191,7 +195,7 @@ private slots:
         fixed->m_userStep = 70;
         monitor.refresh();
         QCOMPARE(cardValue("processorCard"), QString("75%"));
-        QCOMPARE(cardValue("storageCard"), QString("60%"));
+        QCOMPARE(cardValue("storageCard"), QString("58%"));
         auto* chart = m_view->rootObject()->findChild<QQuickItem*>("cpuHistoryChart");
         QCOMPARE(chart->property("values").value<QList<double>>().last(), 75.0);
     }

@@ -72,6 +72,7 @@ Rectangle {
             Layout.fillHeight: true
             spacing: 3
             focus: true
+            activeFocusOnTab: true
             interactive: false
             model: sidebar.appRoot.sections
             currentIndex: sidebar.appRoot.selectedSection
@@ -122,6 +123,11 @@ Rectangle {
                         Layout.fillWidth: true
                         elide: Text.ElideRight
                     }
+                }
+
+                FocusRing {
+                    theme: sidebar.theme
+                    shown: row.selected && sections.activeFocus
                 }
 
                 MouseArea {

@@ -90,6 +90,11 @@ void AppActions::openGuides() {
     QDesktopServices::openUrl(QUrl(guidesUrl()));
 }
 
+void AppActions::openSection(int section) {
+    emit sectionRequested(section);
+    bringAppToFront();
+}
+
 void AppActions::bringAppToFront() {
     if (!m_window) {
         return;

@@ -46,8 +46,15 @@ public:
     Q_INVOKABLE void openGuides();
     /// Shows, raises and activates the main window (no window: nothing).
     Q_INVOKABLE void bringAppToFront();
+    /// Asks for the sidebar section `section` (a NavigationSection::Id) through
+    /// sectionRequested, then brings the window to the front.
+    Q_INVOKABLE void openSection(int section);
     /// Ends the application.
     Q_INVOKABLE void quitApp();
+
+signals:
+    /// A menu asked for a section; the shell makes it the selected one.
+    void sectionRequested(int section);
 
 private:
     QPointer<QWindow> m_window;

@@ -204,25 +204,23 @@ QString ColorRingsCanvasView::hudIcon() const {
     if (const FileItem item = hoveredItem()) {
         return item.isDirectory() ? QStringLiteral("folder.fill") : QStringLiteral("doc.fill");
     }
-    if (navigator() && navigator()->hasSelection()) {
-        return navigator()->selectedItem().isDirectory()
-                   ? QStringLiteral("folder.badge.gearshape.fill")
-                   : QStringLiteral("doc.fill");
+    // Without a hovered sector: the gear-badged folder for a selected folder, the drive for a
+    // selected file and when nothing is selected.
+    if (navigator() && navigator()->hasSelection() && navigator()->selectedItem().isDirectory()) {
+        return QStringLiteral("folder.badge.gearshape.fill");
     }
     return QStringLiteral("internaldrive.fill");
 }
 
 namespace {
 
-// The item the centre display describes: hovered, else selected, else the viewed folder.
+// The item the centre display describes: hovered, else selected (else none: the display then
+// shows "Internal Drive").
 FileItem hudItem(const FileItem& hovered, const StorageNavigator* navigator) {
     if (hovered) {
         return hovered;
     }
-    if (navigator == nullptr) {
-        return {};
-    }
-    return navigator->hasSelection() ? navigator->selectedItem() : navigator->currentFolder();
+    return navigator != nullptr ? navigator->selectedItem() : FileItem{};
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "app/app_root.h"
 #include "ui/src/app_actions.h"
 #include "ui/src/symbol_icons.h"
+#include "ui/src/theme_palette.h"
 
 #include <QQuickStyle>
 #include <QVariantMap>
@@ -19,6 +20,8 @@ QQuickWindow* loadMainWindow(QQmlApplicationEngine& engine, AppRoot* root, AppAc
     installShellImageProviders(engine);
     // Every control is painted from the theme; the Basic style takes the palette as given.
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    // What Qt draws itself (folder panels, About and Help, menus) follows the theme too.
+    followThemePalette(root->themeManager());
     engine.setInitialProperties({
         {QStringLiteral("appRoot"), QVariant::fromValue(static_cast<QObject*>(root))},
         {QStringLiteral("appActions"), QVariant::fromValue(static_cast<QObject*>(actions))},
@@ -31,6 +34,8 @@ QQuickWindow* loadMainWindow(QQmlApplicationEngine& engine, AppRoot* root, AppAc
     if (window != nullptr) {
         actions->setMainWindow(window);
     }
+    QObject::connect(actions, &AppActions::sectionRequested, root,
+                     [root](int section) { root->setSelectedSection(section); });
     return window;
 }
 

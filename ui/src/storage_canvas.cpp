@@ -171,6 +171,10 @@ int StorageCanvas::shapeCount() const {
     return shapeCountImpl();
 }
 
+QString StorageCanvas::contextName() const {
+    return m_contextItem ? toDisplayQString(m_contextItem.name()) : QString();
+}
+
 bool StorageCanvas::contextIsApplication() const {
     return m_navigator && m_navigator->isKnownApplication(m_contextItem);
 }
@@ -331,6 +335,10 @@ void StorageCanvas::mousePressEvent(QMouseEvent* event) {
     const FileItem item = itemAt(event->position());
     if (event->button() == Qt::RightButton) {
         if (item) {
+            // The menu acts on the item it names, which is the selection from now on.
+            if (m_navigator) {
+                m_navigator->setSelectedItem(item);
+            }
             m_contextItem = item;
             emit contextChanged();
             emit contextMenuRequested(event->position().x(), event->position().y());
@@ -343,6 +351,12 @@ void StorageCanvas::mousePressEvent(QMouseEvent* event) {
 
 void StorageCanvas::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !m_navigator) {
+        return;
+    }
+    // The release that ends a zooming double click lands on an item of the new view: it selects
+    // nothing.
+    if (m_releaseEndsZoom) {
+        m_releaseEndsZoom = false;
         return;
     }
     // A click on an item inspects it; a click on empty space leaves the selection alone.
@@ -358,10 +372,7 @@ void StorageCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
     const FileItem item = itemAt(event->position());
     if (item && item.isDirectory()) {
         m_navigator->setCurrentFolder(item);
-        // The first click of the double click selected the folder now being viewed.
-        if (m_navigator->selectedItem() == item) {
-            m_navigator->clearSelection();
-        }
+        m_releaseEndsZoom = true;
     }
     event->accept();
 }

@@ -48,6 +48,8 @@ class StorageCanvas : public QQuickPaintedItem {
     /// Facts of the item whose context menu is open.
     Q_PROPERTY(bool contextIsDirectory READ contextIsDirectory NOTIFY contextChanged)
     Q_PROPERTY(bool contextIsApplication READ contextIsApplication NOTIFY contextChanged)
+    /// The name of that item, shown as the menu's first line (empty when there is none).
+    Q_PROPERTY(QString contextName READ contextName NOTIFY contextChanged)
 
 public:
     explicit StorageCanvas(QQuickItem* parent = nullptr);
@@ -70,6 +72,7 @@ public:
     bool isTargetedForDrop() const { return m_dropTargeted; }
     bool contextIsDirectory() const { return m_contextItem && m_contextItem.isDirectory(); }
     bool contextIsApplication() const;
+    QString contextName() const;
 
     /// The children of the viewed folder that pass the threshold (an item of exactly the
     /// threshold is kept), in the tree's order (largest first).
@@ -168,6 +171,8 @@ private:
     int m_hovered = -1;
     bool m_dropTargeted = false;
     FileItem m_contextItem;
+    // Set by a double click that zoomed: its closing release must not select in the new view.
+    bool m_releaseEndsZoom = false;
     // Lazily recomputed input and shapes (mutable: computed on first use after a change).
     mutable bool m_dirty = true;
     mutable std::vector<FileItem> m_filtered;

@@ -24,10 +24,11 @@ TrayIcon::TrayIcon(AppActions* actions, QObject* parent)
     const NavigationSection::Row& storage = NavigationSection::table()[NavigationSection::Storage];
     QAction* open =
         m_menu->addAction(QStringLiteral("Open %1").arg(QString::fromUtf8(storage.title)), actions,
-                          &AppActions::bringAppToFront);
+                          [actions] { actions->openSection(NavigationSection::Storage); });
     open->setShortcut(QKeySequence(QStringLiteral("Ctrl+O")));
     m_menu->addAction(QStringLiteral("About Sondrel"), actions, &AppActions::showAboutPanel);
-    m_menu->addAction(QStringLiteral("Help & Support (%1)").arg(AppActions::supportEmail()),
+    // "&&": a single '&' would mark the next letter as the mnemonic and vanish.
+    m_menu->addAction(QStringLiteral("Help && Support (%1)").arg(AppActions::supportEmail()),
                       actions, &AppActions::showHelpPanel);
     m_menu->addSeparator();
     QAction* quit =

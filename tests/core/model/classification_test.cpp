@@ -120,6 +120,15 @@ TEST(Judgement, StatusTablesAndPlatformTerms) {
     EXPECT_EQ(iconName(ReclaimableStatus::systemProtected), "lock.shield.fill");
     EXPECT_EQ(withPlatformTerms("Move to macOS Trash", TextPlatform::gnuLinux), "Move to Trash");
     EXPECT_EQ(withPlatformTerms("Reveal in Finder", TextPlatform::gnuLinux), "Show in Files");
+    // The privacy-prompt sentences become what is true on Linux; macOS keeps them.
+    const std::string refused =
+        "You selected 'Don't Allow' for this directory, so its files were not pulled into the app.";
+    EXPECT_EQ(withPlatformTerms(refused, TextPlatform::gnuLinux),
+              "The folder's permissions do not let you read it, so its files were not pulled "
+              "into the app.");
+    EXPECT_EQ(withPlatformTerms(refused, TextPlatform::macos), refused);
+    EXPECT_EQ(withPlatformTerms("macOS requires permission to scan your ", TextPlatform::gnuLinux),
+              "The folder's permissions do not let you read your ");
     EXPECT_EQ(withPlatformTerms("Reveal in Finder", TextPlatform::macos), "Reveal in Finder");
     EXPECT_EQ(withPlatformTerms("macOS macOS", TextPlatform::gnuLinux), "Linux Linux");
 }

@@ -108,6 +108,21 @@ TEST(FileItem, RemovingAdjustsOnlyTheDirectParent) {
     EXPECT_EQ(report.url(), "/scan/docs/report.pdf"); // still names where it was
     EXPECT_FALSE(report.removeFromParent());
     EXPECT_FALSE(FileItem::rootOf(t.tree).removeFromParent());
+
+    // Putting it back (an undone move to the Trash) restores the list order and the size.
+    ASSERT_TRUE(report.reattachToParent());
+    EXPECT_EQ(t.docs->size, 1000);
+    EXPECT_EQ(t.docs->childCount, 2U);
+    EXPECT_EQ(t.docs->firstChild, t.report);
+    EXPECT_EQ(t.report->nextSibling, t.notes);
+    EXPECT_EQ(report.parent(), t.item(t.docs));
+    EXPECT_FALSE(report.reattachToParent());
+    // The smallest child goes back at the end.
+    const FileItem notes = t.item(t.notes);
+    ASSERT_TRUE(notes.removeFromParent());
+    ASSERT_TRUE(notes.reattachToParent());
+    EXPECT_EQ(t.report->nextSibling, t.notes);
+    EXPECT_EQ(t.notes->nextSibling, nullptr);
 }
 
 TEST(FileItem, AHeldNodeOutlivesItsScan) {

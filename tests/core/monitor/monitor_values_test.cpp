@@ -79,6 +79,15 @@ TEST(DiskStatsTest, ComputedValues) {
         {"total 0, space reported", {0, 10 * GB, 0, 5 * GB}, 5 * GB, 0, 0, 0.0},
         {"negative total", {-1, 0, 0, 0}, 0, 0, 0, 0.0},
         {"available above total", {10 * GB, 20 * GB, 0, 20 * GB}, 20 * GB, 0, 0, 0.0},
+        // df's meanings: 100 GB, 10 GB reserved for root, 30 GB available: used 60 GB,
+        // Use% = 60 / (60 + 30).
+        {"reserved blocks are neither used nor free",
+         {100 * GB, 30 * GB, 0, 30 * GB, 10 * GB},
+         30 * GB,
+         60 * GB,
+         70 * GB,
+         60.0 / 90.0 * 100.0},
+        {"everything reserved", {10 * GB, 0, 0, 0, 10 * GB}, 0, 0, 10 * GB, 0.0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

@@ -22,19 +22,25 @@ MenuBar {
     Menu {
         title: "&Sondrel"
         MenuItem {
-            text: "About Sondrel"
+            text: "&About Sondrel"
             onTriggered: bar.appActions.showAboutPanel()
         }
         MenuSeparator {}
         MenuItem {
-            text: "Quit Sondrel"
+            text: "&Quit Sondrel"
             onTriggered: bar.appActions.quitApp()
         }
     }
     Menu {
         title: "&Help"
+        // The menu is as wide as its longest item, so the support address shows in full.
+        property TextMetrics emailMetrics: TextMetrics {
+            text: bar.appActions.emailSupportMenuText
+        }
+        width: Math.max(implicitWidth, emailMetrics.width + 48)
         MenuItem {
-            text: "Sondrel Help & Support"
+            // "&&": a single '&' would mark the next letter as a mnemonic and vanish.
+            text: "Sondrel Help && Support"
             onTriggered: bar.appActions.showHelpPanel()
         }
         MenuItem {
@@ -42,7 +48,7 @@ MenuBar {
             onTriggered: bar.appActions.openSupportEmail()
         }
         MenuItem {
-            text: "Online User Guides"
+            text: "Online User &Guides"
             onTriggered: bar.appActions.openGuides()
         }
     }

@@ -3,6 +3,7 @@ import QtQuick.Layouts
 
 // One theme on the theme screen: its accent dot, the check mark when current, its name and
 // description, and swatches of its background, card, accent and secondary accent colours.
+// Reachable with Tab; Space or Enter picks it, as a click does.
 Rectangle {
     id: card
 
@@ -13,6 +14,10 @@ Rectangle {
     signal picked()
 
     objectName: "themeCard_" + entry.name
+    activeFocusOnTab: true
+    Keys.onSpacePressed: card.picked()
+    Keys.onReturnPressed: card.picked()
+    Keys.onEnterPressed: card.picked()
     implicitHeight: content.implicitHeight + 36
     radius: 14
     color: theme.cardBackground
@@ -72,6 +77,12 @@ Rectangle {
                 }
             }
         }
+    }
+
+    FocusRing {
+        theme: card.theme
+        shown: card.activeFocus
+        radius: 17
     }
 
     MouseArea {

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls
 
 // A push button painted from the theme: accent fill when `prominent`, card fill otherwise,
-// with an optional symbol icon before the text.
+// with an optional symbol icon before the text and a focus ring while it has keyboard focus.
 Button {
     id: control
 
@@ -45,6 +45,10 @@ Button {
             radius: parent.radius
             color: "white"
             opacity: control.hovered && !control.down ? 0.06 : 0
+        }
+        FocusRing {
+            theme: control.theme
+            shown: control.visualFocus
         }
     }
 }

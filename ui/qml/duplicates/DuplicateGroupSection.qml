@@ -4,7 +4,7 @@ import QtQuick.Layouts
 import "../components"
 
 // One duplicate group: its heading ("Each file: 5 MB · 3 copies") and one row per copy with
-// its thumbnail or icon, name, path, date, the selection toggle and "Reveal in Files".
+// its thumbnail or icon, name, path, date, the selection toggle and "Show in Files".
 Card {
     id: section
 

@@ -1,7 +1,8 @@
 import QtQuick
 import QtQuick.Layouts
 
-// The storage breakdown of the start-up volume: total, used, available, purgeable, free.
+// The storage breakdown of the start-up volume: total, used, available, purgeable, free, and
+// the blocks reserved for root where the volume keeps any.
 TelemetrySectionCard {
     id: card
 
@@ -38,5 +39,12 @@ TelemetrySectionCard {
         theme: card.theme
         label: "Physical Free"
         valueText: card.disk.formattedFree || ""
+    }
+    TelemetryFigureRow {
+        Layout.fillWidth: true
+        visible: (card.disk.reservedBytes || 0) > 0
+        theme: card.theme
+        label: "Reserved for the system"
+        valueText: card.disk.formattedReserved || ""
     }
 }

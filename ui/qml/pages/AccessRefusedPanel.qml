@@ -6,6 +6,9 @@ import "../components"
 Card {
     id: panel
 
+    /// The storage details, for this platform's wording.
+    required property var details
+
     signal chooseAnotherFolder()
     signal scanHome()
 
@@ -28,7 +31,8 @@ Card {
             Layout.alignment: Qt.AlignHCenter
         }
         Text {
-            text: "Sondrel respects your privacy. You selected 'Don't Allow' for this directory, so its files were not pulled into the app."
+            text: "Sondrel respects your privacy. "
+                  + panel.details.platformText("You selected 'Don't Allow' for this directory, so its files were not pulled into the app.")
             color: panel.theme.textSecondary
             font.pixelSize: 13
             wrapMode: Text.WordWrap

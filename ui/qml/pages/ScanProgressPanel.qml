@@ -3,7 +3,8 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import "../components"
 
-// Shown while no tree exists: the scanner's progress (or its last status when idle).
+// Shown while no tree exists: the scanner's progress (or its last status when idle), with a
+// "Stop" button that ends the running scan; the partial tree then replaces this panel.
 Card {
     id: panel
 
@@ -44,6 +45,15 @@ Card {
             elide: Text.ElideMiddle
             horizontalAlignment: Text.AlignHCenter
             Layout.fillWidth: true
+        }
+        ThemedButton {
+            objectName: "stopScanButton"
+            visible: panel.scanner.isScanning
+            theme: panel.theme
+            text: "Stop"
+            symbol: "xmark.circle.fill"
+            Layout.alignment: Qt.AlignHCenter
+            onClicked: panel.scanner.cancel()
         }
     }
 }

@@ -32,7 +32,8 @@ Item {
         title: "Choose a Folder to Scan"
         acceptLabel: "Scopix Storage"
         currentFolder: dialogs.appRoot.fileUrl(dialogs.appRoot.selectedTargetFolder)
-        onAccepted: dialogs.appRoot.scanChosenFolder(selectedFolder)
+        onAccepted: dialogs.appRoot.scanChosenFolder(
+                        dialogs.appRoot.folderPanelChoice(selectedFolder, currentFolder))
     }
 
     FolderDialog {
@@ -40,7 +41,8 @@ Item {
         title: dialogs.appRoot.grantPanelMessage(dialogs.permissionName)
         acceptLabel: "Grant Access"
         currentFolder: dialogs.appRoot.fileUrl(dialogs.permissionPath)
-        onAccepted: dialogs.appRoot.scanChosenFolder(selectedFolder)
+        onAccepted: dialogs.appRoot.scanChosenFolder(
+                        dialogs.appRoot.folderPanelChoice(selectedFolder, currentFolder))
     }
 
     Dialog {

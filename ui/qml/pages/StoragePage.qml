@@ -54,6 +54,7 @@ Rectangle {
             objectName: "accessRefusedPanel"
             visible: page.scanner.accessDenied
             theme: page.theme
+            details: page.navigator.details
             Layout.fillWidth: true
             Layout.fillHeight: true
             onChooseAnotherFolder: dialogs.chooseCustomFolder()

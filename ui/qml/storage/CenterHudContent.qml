@@ -1,7 +1,7 @@
 import QtQuick
 
 // The display in the rings' centre hole: the hovered sector's item (with its share and item
-// count), otherwise the selection or the viewed folder; the hint and "Up Level".
+// count), otherwise the selection ("Internal Drive" when there is none); the hint and "Up Level".
 Item {
     id: hud
 
@@ -30,6 +30,9 @@ Item {
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
             elide: Text.ElideMiddle
+            // A small hole (minimum window size) shrinks the name before it is elided.
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: 9
             text: hud.canvas.hudName
             color: hud.theme.textPrimary
             font.pixelSize: 14
@@ -38,6 +41,7 @@ Item {
         Text {
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
+            visible: text.length > 0
             text: hud.canvas.hudSizeText
             color: hud.theme.textPrimary
             font.pixelSize: 13

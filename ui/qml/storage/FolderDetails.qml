@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 
 // Details of the viewed folder: name, size and item count, "Breakdown by Category" and
 // "Contents (N)" sorted by size.
@@ -34,6 +35,8 @@ Item {
             }
         }
         Text {
+            width: header.width
+            elide: Text.ElideRight
             text: folder.details.folderSizeText + "  \u2022  " + folder.details.folderItemsText
             color: folder.theme.textSecondary
             font.pixelSize: 12
@@ -48,21 +51,24 @@ Item {
         Repeater {
             model: folder.details.breakdown
 
-            Row {
+            // Name on the left (elided when the pane is narrow), figures on the right.
+            RowLayout {
                 required property var modelData
+                width: header.width
                 spacing: 8
                 Rectangle {
-                    anchors.verticalCenter: parent.verticalCenter
-                    width: 10
-                    height: 10
+                    implicitWidth: 10
+                    implicitHeight: 10
                     radius: 3
                     color: modelData.color
                 }
                 Text {
-                    width: 120
                     text: modelData.name
                     color: folder.theme.textPrimary
                     font.pixelSize: 12
+                    elide: Text.ElideRight
+                    Layout.fillWidth: true
+                    Layout.minimumWidth: 40
                 }
                 Text {
                     text: modelData.sizeText + " \u2022 " + modelData.shareText

@@ -3,7 +3,8 @@ import QtQuick.Controls
 
 // The storage section below the toolbar: the breadcrumb and the visualiser switch, then the
 // chosen visualiser beside the details pane. While no tree is present it shows the scanner's
-// progress. Keys: Enter zooms into the selection, Backspace goes up, arrows move the selection.
+// progress. Keys: Enter zooms into the selection, Backspace goes up, arrows move the selection,
+// Escape clears it. A line at the foot of the visualiser reports the last move to the Trash.
 Item {
     id: root
 
@@ -17,6 +18,7 @@ Item {
     focus: true
     Keys.onReturnPressed: root.navigator.zoomIntoSelection()
     Keys.onEnterPressed: root.navigator.zoomIntoSelection()
+    Keys.onEscapePressed: root.navigator.clearSelection()
     Keys.onPressed: event => {
         if (event.key === Qt.Key_Backspace) {
             root.navigator.goUp()
@@ -67,6 +69,16 @@ Item {
         anchors.bottom: parent.bottom
         visible: root.navigator.hasTree
         sourceComponent: root.navigator.visualizerMode === 1 ? treemapPane : ringsPane
+    }
+
+    TrashNotice {
+        objectName: "trashNotice"
+        anchors.left: visualizer.left
+        anchors.right: visualizer.right
+        anchors.bottom: visualizer.bottom
+        anchors.margins: 10
+        navigator: root.navigator
+        theme: root.theme
     }
 
     TreemapDetailsView {

@@ -1,8 +1,10 @@
 import QtQuick
 import QtQuick.Controls
+import "../components"
 
 // A compact button of the storage views: an optional symbol and a text, on the card colour
-// with a border (`bordered`), in the accent colour when `highlighted`, or plain text.
+// with a border (`bordered`), in the accent colour when `highlighted`, or plain text; a focus
+// ring while it has keyboard focus.
 Button {
     id: control
 
@@ -10,6 +12,8 @@ Button {
     property string symbol
     property bool bordered: false
     property color textColor: control.highlighted ? "white" : control.theme.textPrimary
+    /// The text is elided beyond this width.
+    property real maximumTextWidth: 100000
 
     implicitHeight: 28
     leftPadding: 10
@@ -28,6 +32,8 @@ Button {
         }
         Text {
             anchors.verticalCenter: parent.verticalCenter
+            width: Math.min(implicitWidth, control.maximumTextWidth)
+            elide: Text.ElideRight
             text: control.text
             color: control.textColor
             font.pixelSize: 12
@@ -42,5 +48,11 @@ Button {
                                                       : (control.bordered ? control.theme.cardBackground : "transparent"))
         border.color: control.bordered && !control.highlighted ? control.theme.border : "transparent"
         opacity: control.down ? 0.75 : 1.0
+
+        FocusRing {
+            theme: control.theme
+            shown: control.visualFocus
+            radius: 9
+        }
     }
 }

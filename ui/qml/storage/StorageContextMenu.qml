@@ -1,14 +1,22 @@
 import QtQuick
 import QtQuick.Controls
 
-// The context menu of a tile or sector, in this order: zoom (folders), uninstall (known
-// applications), reveal, copy path, a divider, move to the Trash.
+// The context menu of a tile or sector, in this order: the item's name (what the menu acts
+// on), zoom (folders), uninstall (known applications), reveal, copy path, a divider, move to the
+// Trash.
 Menu {
     id: menu
 
     required property var canvas
     required property var details
 
+    MenuItem {
+        objectName: "contextMenuTitle"
+        text: menu.canvas.contextName
+        enabled: false
+        font.bold: true
+    }
+    MenuSeparator {}
     MenuItem {
         text: "Zoom into Folder"
         visible: menu.canvas.contextIsDirectory

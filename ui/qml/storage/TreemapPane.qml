@@ -1,8 +1,8 @@
 import QtQuick
 import Sondrel
 
-// The treemap visualiser: the threshold bar above the treemap canvas with its overlays and
-// context menu. Drilling down plays a short zoom-in transition.
+// The treemap visualiser: the threshold bar and "Up Level" above the treemap canvas with its
+// overlays and context menu. Drilling down plays a short zoom-in transition.
 Item {
     id: pane
 
@@ -18,6 +18,18 @@ Item {
         anchors.left: parent.left
         canvas: canvas
         theme: pane.theme
+    }
+
+    StorageButton {
+        objectName: "treemapUpLevel"
+        anchors.right: parent.right
+        anchors.verticalCenter: filterBar.verticalCenter
+        theme: pane.theme
+        bordered: true
+        symbol: "arrow.up.circle.fill"
+        text: "Up Level"
+        enabled: pane.navigator.canGoUp
+        onClicked: pane.navigator.goUp()
     }
 
     TreemapCanvasView {
