@@ -23,7 +23,7 @@ RowLayout {
         id: field
         objectName: "searchField"
         Layout.fillWidth: true
-        Layout.minimumWidth: 200
+        Layout.minimumWidth: 140
         implicitHeight: 34
         leftPadding: 34
         rightPadding: 30
