@@ -5,9 +5,11 @@
 #include "ui/src/app_actions.h"
 #include "ui/src/tray_icon.h"
 
+#include <QAction>
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTest>
@@ -84,7 +86,10 @@ private slots:
         TrayIcon tray(&actions);
         QStringList items;
         for (const QAction* action : tray.menu()->actions()) {
-            items << (action->isSeparator() ? QStringLiteral("-") : action->text());
+            // As shown: a single '&' marks a mnemonic and is not drawn, "&&" draws one '&'.
+            QString shown = action->text();
+            shown.replace(QRegularExpression(QStringLiteral("&(.)")), QStringLiteral("\\1"));
+            items << (action->isSeparator() ? QStringLiteral("-") : shown);
         }
         QCOMPARE(items,
                  (QStringList{"Sondrel Storage Studio", "-", "Open Storage Scopix", "About Sondrel",
