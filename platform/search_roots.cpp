@@ -1,9 +1,11 @@
 #include "platform/search_roots.h"
 
+#include "core/fs/folder_listing.h"
 #include "core/util/path_text.h"
 
 #include <algorithm>
-#include <dirent.h>
+#include <cstddef>
+#include <fcntl.h>
 #include <fstream>
 #include <sstream>
 #include <sys/stat.h>
@@ -37,14 +39,17 @@ std::string unescapeMountField(const std::string& field) {
 
 std::vector<std::string> sortedSubfolders(const std::string& folder) {
     std::vector<std::string> names;
-    if (DIR* dir = opendir(folder.c_str()); dir != nullptr) {
-        while (const dirent* entry = readdir(dir)) {
-            const std::string name = entry->d_name;
-            if (name != "." && name != ".." && isFolder(joinPath(folder, name))) {
-                names.push_back(name);
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd >= 0) {
+        std::vector<std::byte> buffer(kListingBufferBytes);
+        forEachEntryAt(fd, buffer.data(), buffer.size(), [&](const ListedEntry& entry) {
+            std::string name(entry.name);
+            if (isFolder(joinPath(folder, name))) {
+                names.push_back(std::move(name));
             }
-        }
-        closedir(dir);
+            return true;
+        });
+        ::close(fd);
     }
     std::sort(names.begin(), names.end());
     return names;
