@@ -43,6 +43,29 @@ bool BackgroundJob::cancel() {
     return true;
 }
 
+void BackgroundJob::queue(std::function<void()> fn) {
+    {
+        std::lock_guard lock(m_queueMutex);
+        m_queued.push_back(std::move(fn));
+    }
+    QMetaObject::invokeMethod(this, "runQueued", Qt::QueuedConnection);
+}
+
+void BackgroundJob::runQueued() {
+    for (;;) {
+        std::function<void()> next;
+        {
+            std::lock_guard lock(m_queueMutex);
+            if (m_queued.empty()) {
+                return;
+            }
+            next = std::move(m_queued.front());
+            m_queued.pop_front();
+        }
+        next();
+    }
+}
+
 void BackgroundJob::setBusy(bool busy) {
     if (m_busy != busy) {
         m_busy = busy;

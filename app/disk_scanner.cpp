@@ -34,6 +34,8 @@ void DiskScanner::scanPath(const std::string& directory, int maxDepth) {
         [this, directory, maxDepth](const JobContext& job) {
             ScanOptions options;
             options.maxDepth = maxDepth;
+            // Sizes on disk first: the storage views show them unless the user switches.
+            options.measure = SizeMeasure::allocated;
             options.onProgress = [this, &job](const ScanProgress& progress) {
                 job.post([this, progress] { applyProgress(progress); });
             };

@@ -33,6 +33,9 @@ StorageNavigator::~StorageNavigator() = default;
 
 void StorageNavigator::setRoot(FileItem root) {
     m_root = std::move(root);
+    if (m_root) {
+        m_root.tree()->setMeasure(m_apparentSize ? SizeMeasure::apparent : SizeMeasure::allocated);
+    }
     const bool hadSelection = static_cast<bool>(m_selected);
     m_current = {};
     m_selected = {};
@@ -40,6 +43,18 @@ void StorageNavigator::setRoot(FileItem root) {
     emit currentFolderChanged();
     if (hadSelection) {
         emit selectionChanged();
+    }
+}
+
+void StorageNavigator::setApparentSize(bool apparent) {
+    if (apparent == m_apparentSize) {
+        return;
+    }
+    m_apparentSize = apparent;
+    emit apparentSizeChanged();
+    if (m_root) {
+        m_root.tree()->setMeasure(apparent ? SizeMeasure::apparent : SizeMeasure::allocated);
+        emit treeMutated();
     }
 }
 

@@ -28,6 +28,10 @@ class StorageNavigator : public QObject {
     /// 0 = colour rings (the initial mode), 1 = treemap.
     Q_PROPERTY(
         int visualizerMode READ visualizerMode WRITE setVisualizerMode NOTIFY visualizerModeChanged)
+    /// False (the initial value): sizes on disk (allocated blocks); true: apparent sizes (file
+    /// lengths). Switching re-lays the views of the current tree without a new scan, and a new
+    /// tree is shown in the chosen measure.
+    Q_PROPERTY(bool apparentSize READ apparentSize WRITE setApparentSize NOTIFY apparentSizeChanged)
     /// True while the viewed folder is below the scan root (goUp would move).
     Q_PROPERTY(bool canGoUp READ canGoUp NOTIFY currentFolderChanged)
     /// True while an item is selected.
@@ -56,9 +60,13 @@ public:
     StorageNavigator(const StorageNavigator&) = delete;
     StorageNavigator& operator=(const StorageNavigator&) = delete;
 
-    /// Publishes a new tree (or none). The viewed folder and the selection are cleared because
-    /// they belong to the previous tree.
+    /// Publishes a new tree (or none), shown in the chosen size measure. The viewed folder and
+    /// the selection are cleared because they belong to the previous tree.
     void setRoot(FileItem root);
+    bool apparentSize() const { return m_apparentSize; }
+    /// Shows apparent sizes (true) or sizes on disk (false); emits treeMutated when the tree's
+    /// figures change. The viewed folder and the selection stay.
+    void setApparentSize(bool apparent);
     /// Root of the current tree (null item when there is none).
     const FileItem& root() const { return m_root; }
     bool hasTree() const { return static_cast<bool>(m_root); }
@@ -123,6 +131,7 @@ signals:
     void currentFolderChanged();
     void selectionChanged();
     void visualizerModeChanged();
+    void apparentSizeChanged();
     /// The tree's contents changed in place (an item was trashed or put back).
     void treeMutated();
     void noticeChanged();
@@ -135,6 +144,7 @@ private:
     FileItem m_current;
     FileItem m_selected;
     int m_mode = 0;
+    bool m_apparentSize = false;
     Trasher m_trasher;
     Restorer m_restorer;
     QString m_notice;

@@ -107,7 +107,7 @@ printf 'measured: sondrel / floor = %.2f; gdu / sondrel = %.2f; gdu RSS / sondre
 
 # Totals: the floor walker and the scan must agree to the byte.
 floor_bytes=$($floor --threads 2 --skip-hidden "$tree" | awk '{ print $4 }')
-scan_bytes=$($cli --json scan --depth 1 "$tree" | grep -o '"size":[0-9]*' | head -1 | cut -d: -f2)
+scan_bytes=$($cli --json scan --apparent-size --depth 1 "$tree" | grep -o '"size":[0-9]*' | head -1 | cut -d: -f2)
 if [ "$floor_bytes" = "$scan_bytes" ]; then
   echo "totals agree: $scan_bytes bytes"
 else

@@ -1,8 +1,9 @@
-// `sondrel-cli scan [PATH] [--depth N] [--json] [--export-ncdu FILE]`: the size tree of a folder
-// (the home folder when PATH is left out). Prints the summary line and the largest children,
-// or the whole tree as JSON; --export-ncdu also writes the tree in ncdu's export format, which
-// ncdu and gdu open with -f. Progress goes to stderr only when stderr is a terminal. Ctrl-C
-// ends the walk early and prints what was read so far.
+// `sondrel-cli scan [PATH] [--depth N] [--json] [--apparent-size] [--export-ncdu FILE]`: the size
+// tree of a folder (the home folder when PATH is left out). Sizes are bytes on disk (allocated
+// blocks, as du counts) unless --apparent-size asks for file lengths. Prints the summary line and
+// the largest children, or the whole tree as JSON; --export-ncdu also writes the tree in ncdu's
+// export format, which ncdu and gdu open with -f. Progress goes to stderr only when stderr is a
+// terminal. Ctrl-C ends the walk early and prints what was read so far.
 
 #include "cli/command_registry.h"
 #include "core/model/byte_format.h"
@@ -56,6 +57,7 @@ void printSummary(std::ostream& out, const ScanResult& result) {
 int runScan(CommandContext& context) {
     const std::optional<long long> depth = context.args.takeInteger("--depth");
     const std::optional<std::string> exportPath = context.args.takeOption("--export-ncdu");
+    const bool apparentSize = context.args.takeFlag("--apparent-size");
     const std::vector<std::string> paths = context.args.positionals();
     if (paths.size() > 1) {
         throw UsageError("scan takes one PATH");
@@ -67,6 +69,7 @@ int runScan(CommandContext& context) {
 
     ScanOptions options;
     options.maxDepth = static_cast<int>(depth.value_or(4));
+    options.measure = apparentSize ? SizeMeasure::apparent : SizeMeasure::allocated;
     std::mutex progressMutex;
     if (context.stderrIsTerminal) {
         options.onProgress = [&](const ScanProgress& progress) {
@@ -113,7 +116,7 @@ int runScan(CommandContext& context) {
 const CommandRegistration registration{{
     "scan",
     "scan a folder (the home folder by default) into a size tree",
-    "scan [--json] [--depth N] [--export-ncdu FILE] [PATH]",
+    "scan [--json] [--depth N] [--apparent-size] [--export-ncdu FILE] [PATH]",
     runScan,
 }};
 

@@ -85,6 +85,8 @@ bool FileItem::removeFromParent() const {
     m_node->nextSibling = nullptr;
     m_node->flags |= FileNode::kDetached;
     up->size -= m_node->size;
+    up->otherSize -= m_node->otherSize;
+    m_tree->noteDetached(m_node, true);
     return true;
 }
 
@@ -102,6 +104,8 @@ bool FileItem::reattachToParent() const {
     ++up->childCount;
     m_node->flags = static_cast<std::uint8_t>(m_node->flags & ~FileNode::kDetached);
     up->size += m_node->size;
+    up->otherSize += m_node->otherSize;
+    m_tree->noteDetached(m_node, false);
     return true;
 }
 

@@ -34,6 +34,7 @@ FileNode* NodeArena::create(std::string_view name, bool isDirectory, std::int64_
     }
     auto* node = new (m_cursor) FileNode{};
     node->size = size;
+    node->otherSize = size;
     node->fileCount = fileCount;
     node->nameLength = static_cast<std::uint16_t>(nameLength);
     node->category = category;
@@ -66,6 +67,44 @@ void sortBySizeDescending(std::vector<FileNode*>& nodes) {
 
 FileTree::FileTree(std::string rootPath)
     : m_rootPath(std::move(rootPath)), m_serial(g_nextTreeSerial.fetch_add(1)) {}
+
+void FileTree::setMeasure(SizeMeasure measure) {
+    if (measure == m_measure) {
+        return;
+    }
+    m_measure = measure;
+    std::vector<FileNode*> stack(m_detached);
+    if (m_root != nullptr) {
+        stack.push_back(m_root);
+    }
+    std::vector<FileNode*> children;
+    while (!stack.empty()) {
+        FileNode* node = stack.back();
+        stack.pop_back();
+        std::swap(node->size, node->otherSize);
+        if (node->firstChild == nullptr) {
+            continue;
+        }
+        children.clear();
+        for (FileNode* child = node->firstChild; child != nullptr; child = child->nextSibling) {
+            children.push_back(child);
+            stack.push_back(child);
+        }
+        // Children are swapped later; sort them by the measure they are about to show.
+        std::stable_sort(
+            children.begin(), children.end(),
+            [](const FileNode* a, const FileNode* b) { return a->otherSize > b->otherSize; });
+        setChildren(node, children);
+    }
+}
+
+void FileTree::noteDetached(FileNode* node, bool detached) {
+    if (detached) {
+        m_detached.push_back(node);
+    } else {
+        std::erase(m_detached, node);
+    }
+}
 
 void FileTree::adopt(NodeArena&& arena) {
     m_arenas.push_back(std::move(arena));

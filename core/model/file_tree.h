@@ -1,7 +1,7 @@
 #pragma once
 // Compact storage for the scanned size tree.
 //
-// A tree holds millions of nodes, so a node is a fixed 48-byte header followed by its name
+// A tree holds millions of nodes, so a node is a fixed 56-byte header followed by its name
 // bytes, allocated from chunked arenas. A node stores no path: its location is derived from the
 // parent chain and the tree's root path. Children are a singly linked list in display order
 // (largest first after sorting). Nodes are never freed one by one; the whole tree is released
@@ -23,6 +23,12 @@
 
 namespace sondrel {
 
+/// Which of a node's two sizes `FileNode::size` holds.
+enum class SizeMeasure : std::uint8_t {
+    allocated, ///< bytes on disk: allocated blocks (`st_blocks * 512`), as `du` counts
+    apparent,  ///< apparent length (`st_size`), as `du --apparent-size` counts
+};
+
 /// One node of the size tree. Created only by NodeArena; the name bytes follow the header.
 struct FileNode {
     /// Flag bits of `flags`.
@@ -35,6 +41,7 @@ struct FileNode {
     FileNode* firstChild = nullptr;  ///< first child in display order
     FileNode* nextSibling = nullptr; ///< next child of the same parent
     std::int64_t size = 0;           ///< bytes: own size, or the sum of the descendants
+    std::int64_t otherSize = 0;      ///< the same in the tree's other SizeMeasure
     std::int64_t fileCount = 1;      ///< files under the node; a file counts 1
     std::uint32_t childCount = 0;    ///< length of the child list
     std::uint16_t nameLength = 0;    ///< bytes of the name that follows this header
@@ -49,7 +56,7 @@ struct FileNode {
     bool isDetached() const { return (flags & kDetached) != 0; }
 };
 
-static_assert(sizeof(FileNode) == 48, "FileNode header must stay compact");
+static_assert(sizeof(FileNode) == 56, "FileNode header must stay compact");
 
 /// Bump allocator of FileNodes. Not thread-safe: one arena per building thread.
 class NodeArena {
@@ -62,7 +69,9 @@ public:
     ~NodeArena() = default;
 
     /// Creates a node with no parent and no children. Names longer than 65535 bytes are cut
-    /// (no file system allows such names). The node lives as long as the arena's memory.
+    /// (no file system allows such names). `otherSize` starts equal to `size`, so a builder
+    /// that knows one measure only gives the same figures in both. The node lives as long as
+    /// the arena's memory.
     FileNode* create(std::string_view name, bool isDirectory, std::int64_t size = 0,
                      std::int64_t fileCount = 1, FileCategory category = FileCategory::other);
 
@@ -112,6 +121,18 @@ public:
     FileNode* root() const { return m_root; }
     /// Absolute path of the root node.
     const std::string& rootPath() const { return m_rootPath; }
+
+    /// The measure every node's `size` holds (the other is in `otherSize`).
+    SizeMeasure measure() const { return m_measure; }
+    /// Records which measure the builder put in `size`, changing no node. Before sharing.
+    void declareMeasure(SizeMeasure measure) { m_measure = measure; }
+    /// Makes `size` hold `measure`: swaps the two sizes of every node, detached ones included,
+    /// and re-sorts every child list largest first. No effect when it already does. O(nodes);
+    /// on the thread that owns the tree.
+    void setMeasure(SizeMeasure measure);
+    /// Bookkeeping of FileItem::removeFromParent/reattachToParent, so that setMeasure also
+    /// reaches nodes outside the child lists.
+    void noteDetached(FileNode* node, bool detached);
     /// A number unique to this tree for the life of the process; part of every node's id.
     std::uint64_t serial() const { return m_serial; }
 
@@ -129,6 +150,8 @@ private:
     std::string m_rootPath;
     std::uint64_t m_serial;
     FileNode* m_root = nullptr;
+    SizeMeasure m_measure = SizeMeasure::apparent;
+    std::vector<FileNode*> m_detached;
     NodeArena m_ownArena;
     std::vector<NodeArena> m_arenas;
 };

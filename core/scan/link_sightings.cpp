@@ -48,6 +48,7 @@ std::int64_t keepBytesAtOneLink(std::vector<LinkSighting>& all) {
             for (std::size_t i = begin; i < end; ++i) {
                 if (i != keep) {
                     all[i].holder->size -= all[i].size;
+                    all[i].holder->otherSize -= all[i].otherSize;
                     reported += all[i].size * all[i].reports;
                 }
             }

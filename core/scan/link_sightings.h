@@ -17,6 +17,7 @@ struct LinkSighting {
     std::uint64_t inode;
     FileNode* holder;
     std::int64_t size;
+    std::int64_t otherSize; ///< the same in the tree's other measure
     int reports;
 };
 

@@ -42,8 +42,8 @@ void prepend(FileNode* parent, FileNode* child) {
 
 } // namespace
 
-SizeTreeVisitor::SizeTreeVisitor(std::string_view rootName, int maxDepth)
-    : m_maxDepth(std::max(1, maxDepth)) {
+SizeTreeVisitor::SizeTreeVisitor(std::string_view rootName, int maxDepth, SizeMeasure measure)
+    : m_maxDepth(std::max(1, maxDepth)), m_measure(measure) {
     m_root = m_rootArena.create(rootName, true, 0, 0, FileCategory::other);
 }
 
@@ -108,15 +108,19 @@ void SizeTreeVisitor::fileStat(WalkWorker& worker, FolderToken parent, void* slo
     (void)name;
     WorkerState& state = m_workers[worker.index()];
     const bool regular = info != nullptr && S_ISREG(info->st_mode);
-    const std::int64_t size = info != nullptr && !S_ISDIR(info->st_mode) && !S_ISLNK(info->st_mode)
-                                  ? std::max<std::int64_t>(0, info->st_size)
-                                  : 0;
+    const bool counted = info != nullptr && !S_ISDIR(info->st_mode) && !S_ISLNK(info->st_mode);
+    const std::int64_t apparent = counted ? std::max<std::int64_t>(0, info->st_size) : 0;
+    const std::int64_t allocated = counted ? std::max<std::int64_t>(0, info->st_blocks) * 512 : 0;
+    const bool apparentFirst = m_measure == SizeMeasure::apparent;
+    const std::int64_t size = apparentFirst ? apparent : allocated;
+    const std::int64_t other = apparentFirst ? allocated : apparent;
     if (parent.tag == kExpand) {
         auto* file = static_cast<FileNode*>(slot);
         file->size = size; // a failed stat leaves a file of size 0
+        file->otherSize = other;
         if (regular && info->st_nlink > 1) {
             state.links.push_back({static_cast<std::uint64_t>(info->st_dev),
-                                   static_cast<std::uint64_t>(info->st_ino), file, size, 1});
+                                   static_cast<std::uint64_t>(info->st_ino), file, size, other, 1});
         }
         worker.report(1, size);
         return;
@@ -125,12 +129,13 @@ void SizeTreeVisitor::fileStat(WalkWorker& worker, FolderToken parent, void* slo
         return;
     }
     state.pendingBytes += size;
+    state.pendingOther += other;
     ++state.pendingFiles;
     if (info->st_nlink > 1) {
         const bool bundle = parent.tag == kBundle || parent.tag == kInsideBundle;
         state.links.push_back({static_cast<std::uint64_t>(info->st_dev),
                                static_cast<std::uint64_t>(info->st_ino), nodeOf(parent), size,
-                               bundle ? 3 : 1});
+                               other, bundle ? 3 : 1});
     }
 }
 
@@ -141,6 +146,7 @@ void SizeTreeVisitor::statBatchDone(WalkWorker& worker, FolderToken folder) {
     }
     FileNode* leaf = nodeOf(folder);
     std::atomic_ref<std::int64_t>(leaf->size).fetch_add(state.pendingBytes);
+    std::atomic_ref<std::int64_t>(leaf->otherSize).fetch_add(state.pendingOther);
     if (folder.tag == kLeaf || folder.tag == kInsideLeaf) {
         std::atomic_ref<std::int64_t>(leaf->fileCount).fetch_add(state.pendingFiles);
         worker.report(0, state.pendingBytes);
@@ -148,6 +154,7 @@ void SizeTreeVisitor::statBatchDone(WalkWorker& worker, FolderToken folder) {
         worker.report(0, 3 * state.pendingBytes); // a bundle is reported three times
     }
     state.pendingBytes = 0;
+    state.pendingOther = 0;
     state.pendingFiles = 0;
 }
 
@@ -202,6 +209,7 @@ std::int64_t SizeTreeVisitor::finish(FileTree& tree) {
         stack.pop_back();
         children.clear();
         std::int64_t size = 0;
+        std::int64_t other = 0;
         std::int64_t files = 0;
         for (FileNode* child = node->firstChild; child != nullptr; child = child->nextSibling) {
             if (child->fileCount == kDropped || (!child->isDirectory() && child->size < 0)) {
@@ -209,6 +217,7 @@ std::int64_t SizeTreeVisitor::finish(FileTree& tree) {
             }
             children.push_back(child);
             if (__builtin_add_overflow(size, child->size, &size) ||
+                __builtin_add_overflow(other, child->otherSize, &other) ||
                 __builtin_add_overflow(files, child->fileCount, &files)) {
                 std::abort(); // 2^63 bytes: the tree is corrupt, not a real disk
             }
@@ -217,6 +226,7 @@ std::int64_t SizeTreeVisitor::finish(FileTree& tree) {
         sortBySizeDescending(children);
         setChildren(node, children);
         node->size = size;
+        node->otherSize = other;
         node->fileCount = files;
     }
 

@@ -20,8 +20,9 @@ namespace sondrel {
 class SizeTreeVisitor final : public WalkVisitor {
 public:
     /// A visitor whose root node is named `rootName`; folders 1..maxDepth below the root get
-    /// children (maxDepth below 1 counts as 1).
-    SizeTreeVisitor(std::string_view rootName, int maxDepth);
+    /// children (maxDepth below 1 counts as 1). Nodes' `size` holds `measure`, `otherSize` the
+    /// other measure; progress counts `measure`.
+    SizeTreeVisitor(std::string_view rootName, int maxDepth, SizeMeasure measure);
 
     /// The token the walk needs for the root.
     FolderToken rootToken() const;
@@ -45,6 +46,7 @@ private:
     struct alignas(64) WorkerState {
         NodeArena arena;
         std::int64_t pendingBytes = 0; // regular files of a collapsed folder or bundle
+        std::int64_t pendingOther = 0; // the same in the other measure
         std::int64_t pendingFiles = 0;
         std::vector<LinkSighting> links;
     };
@@ -52,6 +54,7 @@ private:
     FileNode* m_root = nullptr;
     NodeArena m_rootArena;
     int m_maxDepth;
+    SizeMeasure m_measure;
     std::vector<WorkerState> m_workers;
 };
 

@@ -95,11 +95,14 @@ bool writeNcduExport(std::ostream& out, const FileItem& root, std::time_t timest
         appendJsonString(buffer, name);
         // A folder's own size in ncdu is the folder entry itself; its children add the rest.
         // Only a collapsed folder (no children) carries its total here.
-        const std::int64_t own = directory && node->firstChild != nullptr ? 0 : node->size;
+        const bool leaf = !directory || node->firstChild == nullptr;
+        const bool apparentFirst = root.tree()->measure() == SizeMeasure::apparent;
+        const std::int64_t apparent = leaf ? (apparentFirst ? node->size : node->otherSize) : 0;
+        const std::int64_t allocated = leaf ? (apparentFirst ? node->otherSize : node->size) : 0;
         buffer += ",\"asize\":";
-        appendNumber(buffer, own);
+        appendNumber(buffer, apparent);
         buffer += ",\"dsize\":";
-        appendNumber(buffer, own);
+        appendNumber(buffer, allocated);
         buffer += '}';
     };
     std::vector<Frame> stack;

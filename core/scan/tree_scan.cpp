@@ -45,6 +45,7 @@ ScanResult scanTree(const std::string& rootPath, const ScanOptions& options,
         if (errno == ENOTDIR && access(root.c_str(), R_OK) == 0) {
             // A readable file: a root with nothing in it.
             result.tree = std::make_shared<FileTree>(root);
+            result.tree->declareMeasure(options.measure);
             result.tree->setRoot(
                 result.tree->arena().create(rootNodeName(root), true, 0, 0, FileCategory::other));
         } else {
@@ -64,10 +65,11 @@ ScanResult scanTree(const std::string& rootPath, const ScanOptions& options,
             options.onProgress(ScanProgress{progress.items, progress.bytes, progress.currentPath});
         };
     }
-    SizeTreeVisitor visitor(rootNodeName(root), options.maxDepth);
+    SizeTreeVisitor visitor(rootNodeName(root), options.maxDepth, options.measure);
     const WalkOutcome walk =
         walkTreeAt(fd, root, visitor.rootToken(), walkOptions, visitor, cancel);
     auto tree = std::make_shared<FileTree>(root);
+    tree->declareMeasure(options.measure);
     const std::int64_t duplicateBytes = visitor.finish(*tree);
     result.tree = std::move(tree);
     result.items = walk.items;

@@ -8,7 +8,9 @@
 //   followed nor counted;
 // - a folder whose name ends in ".app" (not inside another such folder) is measured whole and
 //   shown as one file of category `application`;
-// - sizes are logical (st_size); a folder's size is the sum of its children;
+// - every node has two sizes, allocated bytes (st_blocks * 512) and apparent bytes (st_size) of
+//   its files; `size` holds the one the options ask for, `otherSize` the other (switch with
+//   FileTree::setMeasure); a folder's sizes are the sums of its children's;
 // - children are sorted largest first; equal sizes keep the order the folder listed them in,
 //   at every level, so two scans of an unchanged folder give the same tree;
 // - a folder that cannot be opened is left out; one that opens but cannot be listed has size 0.
@@ -58,6 +60,8 @@ struct ScanOptions {
     double progressIntervalSeconds = 0.08;
     /// Enter pseudo, network and FUSE file systems below the root (off by default).
     bool enterForeignFilesystems = false;
+    /// The size the tree shows first (and the progress counts); both are measured.
+    SizeMeasure measure = SizeMeasure::apparent;
 };
 
 /// What a scan produced.

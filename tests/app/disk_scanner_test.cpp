@@ -11,7 +11,10 @@
 #include <QTest>
 #include <QThread>
 
+#include <sys/stat.h>
+
 using sondrel::DiskScanner;
+using sondrel::SizeMeasure;
 
 namespace {
 
@@ -29,6 +32,11 @@ void makeTree(const QString& root, int folders, int filesPerFolder) {
             writeFile(QStringLiteral("%1/d%2/f%3").arg(root).arg(i).arg(j), 10);
         }
     }
+}
+
+qint64 allocatedBytes(const QString& path) {
+    struct stat info {};
+    return lstat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_blocks * 512 : -1;
 }
 
 } // namespace
@@ -72,11 +80,16 @@ private slots:
 
         QVERIFY(!scanner.isScanning());
         QVERIFY(scanner.hasRootItem());
-        QCOMPARE(scanner.rootItem().size(), 1500);
+        // Sizes on disk: the files' allocated blocks; the length stays one switch away.
+        const qint64 onDisk =
+            allocatedBytes(dir.filePath("docs/a.txt")) + allocatedBytes(dir.filePath("b.bin"));
+        QCOMPARE(scanner.rootItem().tree()->measure(), SizeMeasure::allocated);
+        QCOMPARE(scanner.rootItem().size(), onDisk);
+        QCOMPARE(scanner.rootItem().node()->otherSize, 1500);
         QCOMPARE(scanner.rootItem().fileCount(), 2);
         QCOMPARE(scanner.scannedCount(), 2);
-        QCOMPARE(scanner.scannedBytes(), 1500);
-        QVERIFY2(scanner.progressText().startsWith(QStringLiteral("Scanned 2 items (2 KB) in ")),
+        QCOMPARE(scanner.scannedBytes(), onDisk);
+        QVERIFY2(scanner.progressText().startsWith(QStringLiteral("Scanned 2 items (")),
                  qPrintable(scanner.progressText()));
         QVERIFY(scanner.progressText().endsWith(QStringLiteral(" items/s)")));
         QCOMPARE(scanner.currentPath(), QString());

@@ -14,6 +14,50 @@ class StorageNavigatorTest : public QObject {
     Q_OBJECT
 
 private slots:
+    void sizeMeasureSwitchReLaysTheViewsWithoutARescan() {
+        // Sizes on disk first; an empty disk image is large only by its length.
+        const auto makeTree = [] {
+            auto tree = std::make_shared<FileTree>("/scan/box");
+            NodeArena& a = tree->arena();
+            FileNode* image = a.create("disk.img", false, 4096, 1, FileCategory::other);
+            image->otherSize = 1'000'000'000;
+            FileNode* doc = a.create("report.pdf", false, 300'000, 1, FileCategory::document);
+            doc->otherSize = 299'000;
+            FileNode* root = a.create("box", true, 304'096, 2, FileCategory::other);
+            root->otherSize = 1'000'299'000;
+            setChildren(root, std::vector<FileNode*>{doc, image});
+            tree->declareMeasure(SizeMeasure::allocated);
+            tree->setRoot(root);
+            return FileItem::rootOf(tree);
+        };
+        StorageNavigator nav;
+        QSignalSpy mutated(&nav, &StorageNavigator::treeMutated);
+        const FileItem root = makeTree();
+        nav.setRoot(root);
+        StorageContentsModel* rows = nav.contents();
+        const auto firstName = [rows] {
+            return rows->data(rows->index(0), StorageContentsModel::NameRole).toString();
+        };
+        QVERIFY(!nav.apparentSize());
+        QCOMPARE(root.size(), 304'096);
+        QCOMPARE(firstName(), QStringLiteral("report.pdf"));
+
+        nav.setSelectedItem(childNamed(root, "report.pdf"));
+        nav.setApparentSize(true);
+        QCOMPARE(mutated.count(), 1);
+        QCOMPARE(root.size(), 1'000'299'000);
+        QCOMPARE(firstName(), QStringLiteral("disk.img"));
+        QVERIFY(nav.hasSelection()); // the selection stays
+
+        // A new scan's tree is shown in the chosen measure.
+        const FileItem next = makeTree();
+        nav.setRoot(next);
+        QCOMPARE(next.tree()->measure(), SizeMeasure::apparent);
+        QCOMPARE(next.size(), 1'000'299'000);
+        nav.setApparentSize(false);
+        QCOMPARE(next.size(), 304'096);
+    }
+
     void drillDownUpAndBreadcrumb() {
         StorageNavigator nav;
         const FileItem root = makeStorageTestTree();

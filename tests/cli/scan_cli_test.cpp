@@ -8,6 +8,7 @@
 
 #include <fstream>
 #include <sstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace sondrel {
@@ -26,7 +27,7 @@ void makeTree(const test::TempDir& dir) {
 TEST(CliScan, SummaryLineAndLargestChildren) {
     test::TempDir dir;
     makeTree(dir);
-    const auto result = runProcess({SONDREL_CLI_PATH, "scan", dir / "tree"});
+    const auto result = runProcess({SONDREL_CLI_PATH, "scan", "--apparent-size", dir / "tree"});
     ASSERT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.out.rfind("Scanned 4 items (5 KB) in ", 0), 0U) << result.out;
     const std::size_t big = result.out.find("5 KB  big/");
@@ -42,8 +43,8 @@ TEST(CliScan, SummaryLineAndLargestChildren) {
 TEST(CliScan, JsonTreeKeepsBytesAndDepth) {
     test::TempDir dir;
     makeTree(dir);
-    const auto result =
-        runProcess({SONDREL_CLI_PATH, "--json", "scan", "--depth", "2", dir / "tree"});
+    const auto result = runProcess(
+        {SONDREL_CLI_PATH, "--json", "scan", "--apparent-size", "--depth", "2", dir / "tree"});
     ASSERT_EQ(result.exitCode, 0) << result.err;
     const std::string& out = result.out;
     EXPECT_EQ(out.rfind("{\"name\":\"tree\",\"path\":\"" + dir.path() +
@@ -107,8 +108,12 @@ TEST(CliScan, NcduExportOpensInNcdu) {
     std::stringstream text;
     text << in.rdbuf();
     EXPECT_EQ(text.str().rfind("[1,2,{\"progname\":\"sondrel\"", 0), 0U);
-    EXPECT_NE(text.str().find("{\"name\":\"blob.iso\",\"asize\":5000,\"dsize\":5000}"),
-              std::string::npos);
+    struct stat blob {};
+    ASSERT_EQ(lstat((dir / "tree/big/blob.iso").c_str(), &blob), 0);
+    EXPECT_NE(text.str().find("{\"name\":\"blob.iso\",\"asize\":5000,\"dsize\":" +
+                              std::to_string(blob.st_blocks * 512) + "}"),
+              std::string::npos)
+        << text.str();
 
     if (access("/usr/bin/ncdu", X_OK) != 0) {
         GTEST_SKIP() << "ncdu is not installed";
@@ -123,6 +128,28 @@ TEST(CliScan, NcduExportOpensInNcdu) {
     EXPECT_NE(copy.str().find("\"name\":\"blob.iso\",\"asize\":5000"), std::string::npos)
         << copy.str();
     EXPECT_NE(copy.str().find("\"name\":\"" + dir.path() + "/tree\""), std::string::npos);
+}
+
+TEST(CliScan, SizesAreOnDiskUnlessApparentSizeIsAsked) {
+    test::TempDir dir;
+    dir.makeFile("tree/hole.img", 0);
+    ASSERT_EQ(truncate((dir / "tree/hole.img").c_str(), 1 << 30), 0);
+    dir.makeFile("tree/data.bin", 70000);
+    struct stat data {};
+    struct stat hole {};
+    ASSERT_EQ(lstat((dir / "tree/data.bin").c_str(), &data), 0);
+    ASSERT_EQ(lstat((dir / "tree/hole.img").c_str(), &hole), 0);
+    const auto rootSize = [&dir](std::vector<std::string> extra) {
+        std::vector<std::string> command{SONDREL_CLI_PATH, "--json", "scan"};
+        command.insert(command.end(), extra.begin(), extra.end());
+        command.push_back(dir / "tree");
+        const auto result = runProcess(command);
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        const std::size_t at = result.out.find("\"size\":");
+        return result.out.substr(at + 7, result.out.find(',', at) - at - 7);
+    };
+    EXPECT_EQ(rootSize({}), std::to_string((data.st_blocks + hole.st_blocks) * 512));
+    EXPECT_EQ(rootSize({"--apparent-size"}), std::to_string(70000 + (1LL << 30)));
 }
 
 TEST(CliScan, RefusalAndBadArguments) {

@@ -43,10 +43,19 @@ Item {
         BreadcrumbView {
             id: crumbs
             anchors.left: parent.left
-            anchors.right: modeSwitch.left
+            anchors.right: measureSwitch.left
+            anchors.rightMargin: 8
             anchors.verticalCenter: parent.verticalCenter
             clip: true
             details: root.navigator.details
+            theme: root.theme
+        }
+        SizeMeasureSwitch {
+            id: measureSwitch
+            anchors.right: modeSwitch.left
+            anchors.rightMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            navigator: root.navigator
             theme: root.theme
         }
         VisualizerModeSwitch {
