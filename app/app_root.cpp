@@ -4,6 +4,7 @@
 #include "app/scan_target.h"
 #include "core/model/platform_terms.h"
 #include "core/removal/removal_chains.h"
+#include "platform/helper_location.h"
 #include "platform/locations.h"
 
 #include <QDir>
@@ -47,7 +48,8 @@ TrashResult moveToUserTrash(const std::string& path, const Locations& locations)
 
 // Smart Care's collaborators. The junk scan and the search for leftovers of removed apps are
 // not part of this build yet: their hooks finish at once with no items, so the dashboard scores
-// disk and memory alone. The clean sends what it is given through the removal chains.
+// disk and memory alone. The clean sends what it is given through the removal chains, with the
+// installed privileged helper (when there is one) for what only the administrator may remove.
 // Wiring point: startJunkScan/junkItems (JunkScanner) and startAppScan/orphanItems (AppScanner)
 // plug in here.
 SmartCleanHooks smartCleanHooks(const Locations& locations) {
@@ -56,10 +58,16 @@ SmartCleanHooks smartCleanHooks(const Locations& locations) {
     hooks.startAppScan = [](const SmartCleanHooks::Done& done) { done(); };
     hooks.junkItems = [] { return std::vector<CareItem>{}; };
     hooks.orphanItems = [] { return std::vector<CareItem>{}; };
-    hooks.clean = [context = RemovalContext::forUser(locations)](
-                      const std::vector<CareItem>& items, const CancelToken& cancel,
-                      const CareCleanProgress& progress) {
-        return cleanCareItems(items, context, cancel, progress);
+    const std::string helper = installedHelperPath();
+    const auto administrator = access(helper.c_str(), X_OK) == 0
+                                   ? std::make_shared<const PrivilegedHelperClient>(helper)
+                                   : nullptr;
+    hooks.clean = [context = RemovalContext::forUser(locations),
+                   administrator](const std::vector<CareItem>& items, const CancelToken& cancel,
+                                  const CareCleanProgress& progress) {
+        RemovalContext withAdministrator = context;
+        withAdministrator.administrator = administrator.get();
+        return cleanCareItems(items, withAdministrator, cancel, progress);
     };
     return hooks;
 }

@@ -239,6 +239,7 @@ void SmartCleanEngine::cleanAll(const CareSwitches& switches) {
     if (items.empty()) {
         return;
     }
+    const std::size_t count = items.size();
     const auto clean = m_hooks.clean;
     const bool started = m_cleanJob.start(
         [this, clean, items = std::move(items)](const JobContext& job) {
@@ -260,7 +261,7 @@ void SmartCleanEngine::cleanAll(const CareSwitches& switches) {
         [this](const CareCleanResult& result) { finishClean(result); });
     if (started) {
         setStatus(qs(careCleaningStatus()));
-        setProgress(qs(careCleanProgressText(0, m_manifest.selectedItems(switches).size())));
+        setProgress(qs(careCleanProgressText(0, count)));
     }
 }
 

@@ -242,7 +242,8 @@ int runCare(CommandContext& context) {
 const CommandRegistration registration{{
     "care",
     "print the health score and what a Smart Clean would reclaim; 'care clean' runs it",
-    "care [--json]\n       care clean [--skip developer|orphans|caches|logs|trash ...] [--yes]",
+    "care [--json]\n"
+    "       sondrel-cli care clean [--skip developer|orphans|caches|logs|trash ...] [--yes]",
     runCare,
 }};
 

@@ -9,12 +9,14 @@
 #include "core/removal/permanent_removal.h"
 #include "platform/system_sampler.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 #include <atomic>
 #include <fstream>
-#include <sys/stat.h>
 
 namespace sondrel {
 namespace {
