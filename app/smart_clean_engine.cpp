@@ -144,7 +144,9 @@ QVariantMap SmartCleanEngine::labels() {
         reasons.append(qs(reason));
     }
     return {{QStringLiteral("transparencyBadge"), qs(careTransparencyBadge())},
-            {QStringLiteral("transparencyText"), qs(careTransparencyText())},
+            // One Markdown paragraph per bullet: a single newline would join them.
+            {QStringLiteral("transparencyText"),
+             qs(careTransparencyText()).replace(QLatin1Char('\n'), QStringLiteral("\n\n"))},
             {QStringLiteral("safetyHeading"), qs(careSafetyHeading())},
             {QStringLiteral("safetyText"), qs(careSafetyText())},
             {QStringLiteral("freeSpaceTitle"), qs(careFreeSpaceTitle())},

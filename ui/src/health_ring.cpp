@@ -71,8 +71,27 @@ void HealthRing::paint(QPainter* painter) {
     QConicalGradient drawn(ring.center(), 90);
     drawn.setColorAt(0, m_endColor);
     drawn.setColorAt(1, m_startColor);
-    painter->setPen(QPen(QBrush(drawn), m_lineWidth, Qt::SolidLine, Qt::RoundCap));
-    painter->drawArc(ring, 90 * 16, -static_cast<int>(std::lround(m_fraction * 360 * 16)));
+    painter->setPen(QPen(QBrush(drawn), m_lineWidth, Qt::SolidLine, Qt::FlatCap));
+    const double sweep = m_fraction * 360;
+    painter->drawArc(ring, 90 * 16, -static_cast<int>(std::lround(sweep * 16)));
+    // Round ends in the colours the arc has there (a round cap would take the gradient's colour
+    // at the top, where its two ends meet).
+    const auto endPoint = [&ring](double clockwiseDegrees) {
+        const double radians = (90 - clockwiseDegrees) * M_PI / 180;
+        return QPointF(ring.center().x() + ring.width() / 2 * std::cos(radians),
+                       ring.center().y() - ring.height() / 2 * std::sin(radians));
+    };
+    const auto mix = [](const QColor& a, const QColor& b, double t) {
+        return QColor::fromRgbF(static_cast<float>(a.redF() + (b.redF() - a.redF()) * t),
+                                static_cast<float>(a.greenF() + (b.greenF() - a.greenF()) * t),
+                                static_cast<float>(a.blueF() + (b.blueF() - a.blueF()) * t),
+                                static_cast<float>(a.alphaF() + (b.alphaF() - a.alphaF()) * t));
+    };
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(m_startColor);
+    painter->drawEllipse(endPoint(0), inset, inset);
+    painter->setBrush(mix(m_startColor, m_endColor, m_fraction));
+    painter->drawEllipse(endPoint(sweep), inset, inset);
 }
 
 } // namespace sondrel

@@ -11,9 +11,10 @@ Card {
     required property var entry
     property color accent: theme.accent
 
-    implicitHeight: 112
+    implicitHeight: column.implicitHeight + 28
 
     ColumnLayout {
+        id: column
         anchors.fill: parent
         anchors.margins: 14
         spacing: 6
@@ -48,7 +49,8 @@ Card {
         }
         Text {
             objectName: "cardSize"
-            visible: !card.entry.isInfoCard
+            // The information tile keeps the line empty so that every tile has one height.
+            opacity: card.entry.isInfoCard ? 0 : 1
             text: card.entry.formattedSize
             color: card.accent
             font.pixelSize: 15
