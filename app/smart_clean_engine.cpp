@@ -6,6 +6,7 @@
 #include "core/model/byte_format.h"
 
 #include <QPointer>
+#include <QRegularExpression>
 #include <utility>
 
 namespace sondrel {
@@ -140,8 +141,11 @@ bool SmartCleanEngine::selectionNeedsAdmin() const {
 
 QVariantMap SmartCleanEngine::labels() {
     QStringList reasons;
+    // Each reason is shown as its own Markdown text, where "2. " would start a new list that
+    // Qt numbers from 1: the number's dot is escaped so that it stays the reason's own number.
+    static const QRegularExpression number(QStringLiteral("^(\\d+)\\. "));
     for (const std::string& reason : careFreeSpaceReasons()) {
-        reasons.append(qs(reason));
+        reasons.append(qs(reason).replace(number, QStringLiteral("\\1\\. ")));
     }
     return {{QStringLiteral("transparencyBadge"), qs(careTransparencyBadge())},
             // One Markdown paragraph per bullet: a single newline would join them.

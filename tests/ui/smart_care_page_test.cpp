@@ -266,6 +266,15 @@ private slots:
         QCOMPARE(findItem(rows[0], "itemList")->property("count").toInt(), 2);
         if (!shots.isEmpty()) {
             QVERIFY(m_view->grabWindow().save(shots + "/smart-care-manifest.png"));
+            // The notes at the end of the sheet: the safety net and the free-space reasons.
+            auto* flickable = qvariant_cast<QQuickItem*>(
+                findItem(m_view->contentItem(), "manifestScroll")->property("contentItem"));
+            QVERIFY(flickable);
+            flickable->setProperty("contentY", flickable->property("contentHeight").toReal() -
+                                                   flickable->height());
+            QTest::qWait(50);
+            QVERIFY(m_view->grabWindow().save(shots + "/smart-care-manifest-notes.png"));
+            flickable->setProperty("contentY", 0);
         }
 
         // A real click on the Trash row's switch, then every other row off by its signal.

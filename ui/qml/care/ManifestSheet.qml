@@ -44,6 +44,7 @@ Popup {
 
         ScrollView {
             id: scroll
+            objectName: "manifestScroll"
             Layout.fillWidth: true
             Layout.fillHeight: true
             contentWidth: availableWidth
