@@ -4,6 +4,7 @@
 #include "app/scan_target.h"
 #include "core/model/platform_terms.h"
 #include "core/removal/removal_chains.h"
+#include "platform/helper_location.h"
 #include "platform/locations.h"
 
 #include <QDir>
@@ -45,6 +46,32 @@ TrashResult moveToUserTrash(const std::string& path, const Locations& locations)
     return result;
 }
 
+// Smart Care's collaborators. The junk scan and the search for leftovers of removed apps are
+// not part of this build yet: their hooks finish at once with no items, so the dashboard scores
+// disk and memory alone. The clean sends what it is given through the removal chains, with the
+// installed privileged helper (when there is one) for what only the administrator may remove.
+// Wiring point: startJunkScan/junkItems (JunkScanner) and startAppScan/orphanItems (AppScanner)
+// plug in here.
+SmartCleanHooks smartCleanHooks(const Locations& locations) {
+    SmartCleanHooks hooks;
+    hooks.startJunkScan = [](const SmartCleanHooks::Done& done) { done(); };
+    hooks.startAppScan = [](const SmartCleanHooks::Done& done) { done(); };
+    hooks.junkItems = [] { return std::vector<CareItem>{}; };
+    hooks.orphanItems = [] { return std::vector<CareItem>{}; };
+    const std::string helper = installedHelperPath();
+    const auto administrator = access(helper.c_str(), X_OK) == 0
+                                   ? std::make_shared<const PrivilegedHelperClient>(helper)
+                                   : nullptr;
+    hooks.clean = [context = RemovalContext::forUser(locations),
+                   administrator](const std::vector<CareItem>& items, const CancelToken& cancel,
+                                  const CareCleanProgress& progress) {
+        RemovalContext withAdministrator = context;
+        withAdministrator.administrator = administrator.get();
+        return cleanCareItems(items, withAdministrator, cancel, progress);
+    };
+    return hooks;
+}
+
 QVariantMap section(const QVariantMap& overview, const char* key) {
     return overview.value(QString::fromLatin1(key)).toMap();
 }
@@ -60,6 +87,7 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
       m_duplicateScanner(new DuplicateScanner(*m_locations, this)),
       m_selectedTargetFolder(toFileQString(m_locations->home)) {
     m_largeFileSearch = new LargeFileSearch(*m_locations, this);
+    m_smartCleanEngine = new SmartCleanEngine(smartCleanHooks(*m_locations), m_systemMonitor, this);
     // A new tree replaces the navigator's state, so a folder or selection of the old tree is
     // never shown against the new root.
     connect(m_diskScanner, &DiskScanner::rootItemChanged, this,
@@ -95,6 +123,9 @@ void AppRoot::setSelectedSection(int section) {
         m_systemMonitor->startMonitoring();
     } else {
         m_systemMonitor->stopMonitoring();
+    }
+    if (m_selectedSection == NavigationSection::SmartCare && m_appeared) {
+        m_smartCleanEngine->runInitialScanIfNeeded();
     }
     emit selectedSectionChanged();
 }
@@ -185,6 +216,10 @@ void AppRoot::windowAppeared() {
     if (!m_diskScanner->hasRootItem() && !m_diskScanner->isScanning()) {
         emit scanRequested(m_selectedTargetFolder);
         m_diskScanner->scan(m_selectedTargetFolder);
+    }
+    // The window opens on Smart Care: its first screen shows a real score, not the defaults.
+    if (m_selectedSection == NavigationSection::SmartCare) {
+        m_smartCleanEngine->runInitialScanIfNeeded();
     }
 }
 

@@ -11,6 +11,7 @@
 #include "app/duplicate_scanner.h"
 #include "app/large_file_search.h"
 #include "app/navigation_section.h"
+#include "app/smart_clean_engine.h"
 #include "app/storage_navigator.h"
 #include "app/system_monitor.h"
 #include "app/theme_manager.h"
@@ -38,6 +39,7 @@ class AppRoot : public QObject {
     Q_PROPERTY(sondrel::SystemMonitor* systemMonitor READ systemMonitor CONSTANT)
     Q_PROPERTY(sondrel::DuplicateScanner* duplicateScanner READ duplicateScanner CONSTANT)
     Q_PROPERTY(sondrel::LargeFileSearch* largeFileSearch READ largeFileSearch CONSTANT)
+    Q_PROPERTY(sondrel::SmartCleanEngine* smartCleanEngine READ smartCleanEngine CONSTANT)
     /// The shown section, a NavigationSection::Id (`Section.Storage` in QML); the window opens
     /// on Smart Care.
     Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
@@ -74,11 +76,13 @@ public:
     SystemMonitor* systemMonitor() const { return m_systemMonitor; }
     DuplicateScanner* duplicateScanner() const { return m_duplicateScanner; }
     LargeFileSearch* largeFileSearch() const { return m_largeFileSearch; }
+    SmartCleanEngine* smartCleanEngine() const { return m_smartCleanEngine; }
     const Locations& locations() const { return *m_locations; }
 
     int selectedSection() const { return static_cast<int>(m_selectedSection); }
     /// Shows another section (values that are no NavigationSection::Id are ignored). Showing
-    /// "Live Telemetry" starts the monitor; showing any other section stops it.
+    /// "Live Telemetry" starts the monitor; showing any other section stops it. Showing Smart
+    /// Care after the window appeared starts its first scan if it has none yet.
     void setSelectedSection(int section);
 
     /// The section table for QML (NavigationSection::toVariantList()).
@@ -104,7 +108,8 @@ public:
 
     /// Called once the window is shown. The first call takes one monitor sample for the
     /// sidebar strip and, when the scanner holds no tree and is not scanning, scans the target
-    /// (the home folder unless openFolderAtStart chose another). Later calls do nothing.
+    /// (the home folder unless openFolderAtStart chose another); when Smart Care is shown it
+    /// starts Smart Care's first scan. Later calls do nothing.
     Q_INVOKABLE void windowAppeared();
 
     /// Application activation: inactive stops the monitor; active starts it again only while
@@ -168,6 +173,7 @@ private:
     SystemMonitor* m_systemMonitor = nullptr;
     DuplicateScanner* m_duplicateScanner = nullptr;
     LargeFileSearch* m_largeFileSearch = nullptr;
+    SmartCleanEngine* m_smartCleanEngine = nullptr;
 
     NavigationSection::Id m_selectedSection = NavigationSection::SmartCare;
     QString m_selectedTargetFolder;

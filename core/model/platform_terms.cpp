@@ -21,7 +21,7 @@ std::string withPlatformTerms(std::string_view text, TextPlatform platform) {
     // Longer phrases first, so that "macOS Trash" is not half-replaced by the "macOS" rule.
     // Whole sentences come first: Linux shows no privacy prompt, a folder is unreadable only
     // because its permissions say so.
-    static constexpr std::array<std::pair<std::string_view, std::string_view>, 16> kTerms = {{
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 22> kTerms = {{
         {"You selected 'Don't Allow' for this directory, so its files were not pulled into the "
          "app.",
          "The folder's permissions do not let you read it, so its files were not pulled into the "
@@ -29,6 +29,14 @@ std::string withPlatformTerms(std::string_view text, TextPlatform platform) {
         {"macOS requires permission to scan your ",
          "The folder's permissions do not let you read your "},
         {" folder and authorize access", " folder, or a copy of it that you can read"},
+        {"Xcode DerivedData, build indexes, and transient compilation caches.",
+         "Package downloads and build caches of npm, pip, Cargo, Go, Gradle and ccache."},
+        {"Abandoned preferences and Application Support files",
+         "Abandoned settings and data folders"},
+        {"DerivedData, Simulators", "Package & build caches"},
+        {"~/Library/Caches", "~/.cache"},
+        {"Your Mac", "Your system"},
+        {"from your Mac", "from your system"},
         {"macOS Trash", "Trash"},
         {"Reveal in macOS Finder", "Show in Files"},
         {"Reveal in Finder", "Show in Files"},

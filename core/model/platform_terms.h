@@ -19,8 +19,10 @@ TextPlatform currentTextPlatform();
 /// computer", "macOS Finder" and "Finder" -> "Files", "Apple System Integrity Protection" -> "the
 /// system's package manager", "Xcode DerivedData" -> "developer build caches", "Apple Silicon /
 /// Intel processors" -> "x86 / ARM processors", "APFS Storage" -> "Disk Storage", "Mac Name" ->
-/// "Computer Name", "macOS" -> "Linux"; and the sentences that speak of a privacy prompt say on
-/// Linux that the folder's permissions do not let the user read it.
+/// "Computer Name", "Your Mac" and "from your Mac" -> "Your system" and "from your system",
+/// "~/Library/Caches" -> "~/.cache", the Smart Care texts on Xcode caches and Application
+/// Support files in their Linux words, "macOS" -> "Linux"; and the sentences that speak of a
+/// privacy prompt say on Linux that the folder's permissions do not let the user read it.
 std::string withPlatformTerms(std::string_view text, TextPlatform platform);
 
 } // namespace sondrel

@@ -142,6 +142,28 @@ private slots:
         QVERIFY(!m_root->systemMonitor()->isMonitoring());
     }
 
+    // The window opens on Smart Care, so its first scan starts with the window; a Smart Care
+    // shown later (after the command line opened a folder) starts it then, and only once.
+    void smartCareScansWhenFirstShown() {
+        SmartCleanEngine* care = m_root->smartCleanEngine();
+        QVERIFY(!care->hasScannedInitial());
+        m_root->windowAppeared();
+        QVERIFY(care->isScanning());
+        QTRY_VERIFY(care->hasScannedInitial());
+        QVERIFY(care->statusMessage().startsWith(QStringLiteral("Smart Scan completed: ")));
+
+        AppRoot other(Locations::forLinux(toPathBytes(home())));
+        other.openFolderAtStart(home() + "/data");
+        other.windowAppeared();
+        QVERIFY(!other.smartCleanEngine()->isScanning());
+        other.setSelectedSection(NavigationSection::SmartCare);
+        QVERIFY(other.smartCleanEngine()->isScanning());
+        QTRY_VERIFY(other.smartCleanEngine()->hasScannedInitial());
+        other.setSelectedSection(NavigationSection::Storage);
+        other.setSelectedSection(NavigationSection::SmartCare);
+        QVERIFY(!other.smartCleanEngine()->isScanning());
+    }
+
     void folderFromCommandLineIsScannedFirst() {
         QSignalSpy requested(m_root.get(), &AppRoot::scanRequested);
         m_root->openFolderAtStart(home() + "/data");

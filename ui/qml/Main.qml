@@ -8,6 +8,7 @@ import "monitor"
 import "search"
 import Sondrel
 import "duplicates"
+import "care"
 
 // The main window: the sidebar of eight sections beside the selected section's page. Every
 // engine comes from `appRoot`; no page creates one.
@@ -76,10 +77,10 @@ ApplicationWindow {
             Layout.fillWidth: true
             Layout.fillHeight: true
 
-            PlaceholderPage {
-                objectName: section.page
+            SmartCareDashboard {
+                objectName: window.sections[Section.SmartCare].page
+                engine: window.appRoot.smartCleanEngine
                 theme: window.theme
-                section: window.sections[Section.SmartCare]
             }
             StoragePage {
                 objectName: window.sections[Section.Storage].page
