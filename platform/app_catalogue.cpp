@@ -1,6 +1,7 @@
 #include "platform/app_catalogue.h"
 
 #include "core/fs/measure_tree.h"
+#include "core/util/path_text.h"
 #include "platform/app_leftovers.h"
 
 #include <algorithm>
@@ -47,6 +48,44 @@ std::int64_t appItemSize(const std::string& path, HomeLayout layout, const Cance
     return size.allocated > 0 ? size.allocated : size.apparent;
 }
 
+std::string findIconFile(const Locations& locations, const std::string& icon) {
+    const auto isFile = [](const std::string& path) {
+        struct stat info {};
+        return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+    };
+    if (icon.empty()) {
+        return "";
+    }
+    if (icon.front() == '/') {
+        const std::string extension = asciiLower(pathExtension(icon));
+        return (extension == "png" || extension == "svg") && isFile(icon) ? icon : "";
+    }
+    std::vector<std::string> bases{joinPath(locations.dataHome, "icons")};
+    for (const std::string& dir : locations.dataDirs) {
+        bases.push_back(joinPath(dir, "icons"));
+    }
+    for (const std::string& base : bases) {
+        for (const char* size : {"64x64", "48x48", "128x128", "scalable", "256x256", "32x32"}) {
+            for (const char* extension : {".png", ".svg"}) {
+                const std::string path =
+                    joinPath(base, "hicolor/" + std::string(size) + "/apps/" + icon + extension);
+                if (isFile(path)) {
+                    return path;
+                }
+            }
+        }
+    }
+    for (const std::string& dir : locations.dataDirs) {
+        for (const char* extension : {".png", ".svg"}) {
+            const std::string path = joinPath(dir, "pixmaps/" + icon + extension);
+            if (isFile(path)) {
+                return path;
+            }
+        }
+    }
+    return "";
+}
+
 std::vector<AppInfo> listApplications(const Locations& locations, const SystemRoots& roots,
                                       const CancelToken& cancel) {
     return locations.layout == HomeLayout::macos ? listMacosBundles(locations, cancel)
@@ -69,6 +108,7 @@ AppDiscovery discoverApps(const Locations& locations, const SystemRoots& roots,
             break;
         }
         app.associatedItems = findAssociatedFiles(locations, app, cancel);
+        app.iconFile = findIconFile(locations, app.icon);
     }
     std::stable_sort(
         result.apps.begin(), result.apps.end(),

@@ -58,6 +58,11 @@ std::vector<AppInfo> listMacosBundles(const Locations& locations, const CancelTo
 std::vector<AppInfo> listLinuxApps(const Locations& locations, const SystemRoots& roots,
                                    const CancelToken& cancel);
 
+/// A PNG or SVG file for the desktop icon `icon` (a theme name or an absolute file): the hicolor
+/// theme of the home's and the system's data folders at common sizes, then the pixmaps folder.
+/// "" when none exists.
+std::string findIconFile(const Locations& locations, const std::string& icon);
+
 /// The size the uninstaller shows for what is at `path`: allocated bytes of a file or tree; on
 /// the macOS layout a single file counts its length (as that layout's figures do). 0 when
 /// nothing is there.

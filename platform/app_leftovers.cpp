@@ -148,6 +148,7 @@ std::vector<AssociatedItem> macosOrphans(const Locations& locations,
         knownIds.insert(lower(app.identifier));
     }
     const std::string library = joinPath(locations.home, "Library");
+    const std::string trash = joinPath(locations.dataHome, "Trash"); // where this layout trashes
     const std::array<std::pair<std::string, AssociatedFileType>, 3> folders{{
         {"Application Support", AssociatedFileType::appSupport},
         {"Caches", AssociatedFileType::caches},
@@ -165,8 +166,9 @@ std::vector<AssociatedItem> macosOrphans(const Locations& locations,
                 return std::any_of(words.begin(), words.end(),
                                    [&n](const auto& word) { return contains(n, word); });
             };
-            if (entry.name.front() == '.' || containsAny(std::span(kExclusionWords)) ||
-                containsAny(knownNames) || containsAny(knownIds)) {
+            if (entry.name.front() == '.' || joinPath(folder, entry.name) == trash ||
+                containsAny(std::span(kExclusionWords)) || containsAny(knownNames) ||
+                containsAny(knownIds)) {
                 continue;
             }
             const std::string path = joinPath(folder, entry.name);

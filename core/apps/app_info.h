@@ -34,6 +34,7 @@ struct AppInfo {
     std::string location;    ///< the bundle, AppImage file, deploy folder, snap or desktop file
     std::string desktopFile; ///< the desktop entry shown in menus, "" when none
     std::string icon;        ///< icon name of the desktop's theme or an absolute icon file
+    std::string iconFile;    ///< a PNG or SVG file of that icon, "" when none was found
     std::int64_t bundleSize = 0; ///< bytes of the application's own files
     AppKind kind = AppKind::local;
     std::string package;                  ///< Debian package, Flatpak id or snap name; "" otherwise

@@ -19,8 +19,9 @@ TextPlatform currentTextPlatform();
 /// computer", "macOS Finder" and "Finder" -> "Files", "Apple System Integrity Protection" -> "the
 /// system's package manager", "Xcode DerivedData" -> "developer build caches", "Apple Silicon /
 /// Intel processors" -> "x86 / ARM processors", "APFS Storage" -> "Disk Storage", "Mac Name" ->
-/// "Computer Name", "macOS" -> "Linux"; and the sentences that speak of a privacy prompt say on
-/// Linux that the folder's permissions do not let the user read it.
+/// "Computer Name", "macOS" -> "Linux", the uninstaller's "~/Library" phrases -> the home folder
+/// and "Application Binary (.app)" -> "Application Files"; and the sentences that speak of a
+/// privacy prompt say on Linux that the folder's permissions do not let the user read it.
 std::string withPlatformTerms(std::string_view text, TextPlatform platform);
 
 } // namespace sondrel
