@@ -4,6 +4,8 @@
 #include "app/scan_target.h"
 #include "core/model/platform_terms.h"
 #include "core/removal/removal_chains.h"
+#include "platform/app_catalogue.h"
+#include "platform/app_uninstaller.h"
 #include "platform/locations.h"
 
 #include <QDir>
@@ -60,6 +62,8 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
       m_duplicateScanner(new DuplicateScanner(*m_locations, this)),
       m_selectedTargetFolder(toFileQString(m_locations->home)) {
     m_largeFileSearch = new LargeFileSearch(*m_locations, this);
+    m_appScanner = new AppScanner(*m_locations, SystemRoots::forThisMachine(),
+                                  std::make_shared<CommandPackageRemover>(runSubprocess), this);
     // A new tree replaces the navigator's state, so a folder or selection of the old tree is
     // never shown against the new root.
     connect(m_diskScanner, &DiskScanner::rootItemChanged, this,
@@ -297,6 +301,26 @@ QString AppRoot::permissionMessage(const QString& name) const {
 QString AppRoot::grantPanelMessage(const QString& name) const {
     return QStringLiteral("Select your ") + name +
            QStringLiteral(" folder to grant Sondrel scanning permission.");
+}
+
+bool AppRoot::uninstallAppAt(const QString& path) {
+    if (m_appScanner->installedCount() == 0 && !m_appScanner->isScanning()) {
+        // Nothing discovered yet: discover, then select the application once it is known.
+        auto connection = std::make_shared<QMetaObject::Connection>();
+        *connection =
+            connect(m_appScanner, &AppScanner::scanFinished, this, [this, path, connection] {
+                disconnect(*connection);
+                m_appScanner->selectAppForPath(path);
+            });
+        m_appScanner->scanApps();
+        setSelectedSection(NavigationSection::Uninstaller);
+        return true;
+    }
+    if (!m_appScanner->selectAppForPath(path)) {
+        return false;
+    }
+    setSelectedSection(NavigationSection::Uninstaller);
+    return true;
 }
 
 } // namespace sondrel

@@ -7,6 +7,7 @@
 //
 // Threading: GUI thread only. Ownership: AppRoot is the parent of every engine it creates.
 
+#include "app/app_scanner.h"
 #include "app/disk_scanner.h"
 #include "app/duplicate_scanner.h"
 #include "app/large_file_search.h"
@@ -38,6 +39,7 @@ class AppRoot : public QObject {
     Q_PROPERTY(sondrel::SystemMonitor* systemMonitor READ systemMonitor CONSTANT)
     Q_PROPERTY(sondrel::DuplicateScanner* duplicateScanner READ duplicateScanner CONSTANT)
     Q_PROPERTY(sondrel::LargeFileSearch* largeFileSearch READ largeFileSearch CONSTANT)
+    Q_PROPERTY(sondrel::AppScanner* appScanner READ appScanner CONSTANT)
     /// The shown section, a NavigationSection::Id (`Section.Storage` in QML); the window opens
     /// on Smart Care.
     Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
@@ -74,6 +76,7 @@ public:
     SystemMonitor* systemMonitor() const { return m_systemMonitor; }
     DuplicateScanner* duplicateScanner() const { return m_duplicateScanner; }
     LargeFileSearch* largeFileSearch() const { return m_largeFileSearch; }
+    AppScanner* appScanner() const { return m_appScanner; }
     const Locations& locations() const { return *m_locations; }
 
     int selectedSection() const { return static_cast<int>(m_selectedSection); }
@@ -144,6 +147,10 @@ public:
     Q_INVOKABLE QString permissionTitle(const QString& name) const;
     Q_INVOKABLE QString permissionMessage(const QString& name) const;
     Q_INVOKABLE QString grantPanelMessage(const QString& name) const;
+    /// "Uninstall App & Clean Leftovers" of the storage section: shows the App Uninstaller on
+    /// the application that `path` belongs to (discovering first when nothing was discovered
+    /// yet). False when the catalogue, as discovered, knows no application there.
+    Q_INVOKABLE bool uninstallAppAt(const QString& path);
 
 signals:
     void selectedSectionChanged();
@@ -168,6 +175,7 @@ private:
     SystemMonitor* m_systemMonitor = nullptr;
     DuplicateScanner* m_duplicateScanner = nullptr;
     LargeFileSearch* m_largeFileSearch = nullptr;
+    AppScanner* m_appScanner = nullptr;
 
     NavigationSection::Id m_selectedSection = NavigationSection::SmartCare;
     QString m_selectedTargetFolder;

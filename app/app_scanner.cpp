@@ -148,7 +148,14 @@ void AppScanner::planSelected() {
 QVariantMap AppScanner::selectedApp() const {
     const AppInfo* app = findApp(m_selectedAppId);
     if (app == nullptr) {
-        return {};
+        // Every key present, so that the page's bindings read empty texts, not undefined.
+        QVariantMap empty = appMap(AppInfo{});
+        empty.insert("appId", QString());
+        for (const char* key : {"bundleText", "location", "displayLocation", "uninstallText"}) {
+            empty.insert(key, QString());
+        }
+        empty.insert("items", QVariantList());
+        return empty;
     }
     QVariantMap map = appMap(*app);
     map.insert("bundleText", sizeText(app->bundleSize));

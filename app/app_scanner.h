@@ -47,7 +47,7 @@ class AppScanner : public QObject {
     Q_PROPERTY(
         QString selectedAppId READ selectedAppId WRITE setSelectedAppId NOTIFY selectedAppChanged)
     /// The selected app as a map (appMap plus bundleText, location, items: itemId, path,
-    /// typeName, typeIcon, sizeText, isSelected); empty without a selection.
+    /// typeName, typeIcon, sizeText, isSelected); every key empty without a selection.
     Q_PROPERTY(QVariantMap selectedApp READ selectedApp NOTIFY selectedAppChanged)
     /// The confirmation text for the selected app, with the packages that would go with it
     /// once known.
