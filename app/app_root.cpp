@@ -64,6 +64,15 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
     m_largeFileSearch = new LargeFileSearch(*m_locations, this);
     m_appScanner = new AppScanner(*m_locations, SystemRoots::forThisMachine(),
                                   std::make_shared<CommandPackageRemover>(runSubprocess), this);
+    // The storage section offers "Uninstall App & Clean Leftovers" for what the catalogue knows;
+    // the catalogue is read once a tree is shown, if nothing read it before.
+    m_navigator->setApplicationMatcher(
+        [this](const std::string& path) { return m_appScanner->knowsPathBytes(path); });
+    connect(m_diskScanner, &DiskScanner::rootItemChanged, this, [this] {
+        if (m_appScanner->installedCount() == 0 && m_appScanner->statusMessage().isEmpty()) {
+            m_appScanner->scanApps();
+        }
+    });
     // A new tree replaces the navigator's state, so a folder or selection of the old tree is
     // never shown against the new root.
     connect(m_diskScanner, &DiskScanner::rootItemChanged, this,

@@ -100,6 +100,8 @@ public:
     Q_INVOKABLE bool selectAppForPath(const QString& path);
     /// Whether selectAppForPath would find an app for `path` (the storage section's menu).
     Q_INVOKABLE bool knowsPath(const QString& path) const;
+    /// The same for a path as bytes.
+    bool knowsPathBytes(const std::string& path) const { return appForPath(path) != nullptr; }
 
 signals:
     void isScanningChanged();
