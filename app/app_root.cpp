@@ -1,5 +1,6 @@
 #include "app/app_root.h"
 
+#include "app/package_kit_remover.h"
 #include "app/qt_conversions.h"
 #include "app/scan_target.h"
 #include "core/model/platform_terms.h"
@@ -62,8 +63,10 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
       m_duplicateScanner(new DuplicateScanner(*m_locations, this)),
       m_selectedTargetFolder(toFileQString(m_locations->home)) {
     m_largeFileSearch = new LargeFileSearch(*m_locations, this);
-    m_appScanner = new AppScanner(*m_locations, SystemRoots::forThisMachine(),
-                                  std::make_shared<CommandPackageRemover>(runSubprocess), this);
+    m_appScanner = new AppScanner(
+        *m_locations, SystemRoots::forThisMachine(),
+        std::make_shared<PackageKitRemover>(std::make_shared<CommandPackageRemover>(runSubprocess)),
+        this);
     // The storage section offers "Uninstall App & Clean Leftovers" for what the catalogue knows;
     // the catalogue is read once a tree is shown, if nothing read it before.
     m_navigator->setApplicationMatcher(

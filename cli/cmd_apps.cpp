@@ -154,7 +154,8 @@ int runUninstall(CommandContext& context, const std::string& wanted, bool keepLe
     if (app == nullptr) {
         return fail(context.err, problem);
     }
-    CommandPackageRemover packages(runSubprocess);
+    CommandPackageRemover packages(runSubprocess,
+                                   CommandPackageRemover::packageKitClientInstalled());
     const std::vector<std::string> others = packages.alsoRemoved(*app);
     context.err << "Uninstall " << terminalText(app->name) << " (" << appKindKey(app->kind) << ' '
                 << terminalText(app->identifier) << ", " << formatBytes(app->bundleSize) << ")";

@@ -6,6 +6,7 @@
 #include "platform/app_processes.h"
 
 #include <chrono>
+#include <unistd.h>
 
 namespace sondrel {
 
@@ -45,6 +46,17 @@ PackageRemoval fromCommand(const SubprocessResult& result, bool throughPkexec) {
     return removal;
 }
 
+// pkcon reports a refused or dismissed authorisation in its output, not in its status.
+PackageRemoval fromPackageKitClient(const SubprocessResult& result) {
+    const std::string text = asciiLower(result.out + "\n" + result.err);
+    if (result.started && !result.succeeded() &&
+        (contains(text, "not authorized") || contains(text, "authenticat") ||
+         contains(text, "authoriz"))) {
+        return PackageRemoval{false, true, "cancelled"};
+    }
+    return fromCommand(result, false);
+}
+
 bool insideHome(const Locations& locations, const std::string& path) {
     return !path.empty() && isWithinFolder(path, locations.home) && path != locations.home;
 }
@@ -72,6 +84,10 @@ std::vector<std::string> parseSimulatedRemovals(const std::string& output) {
         }
     }
     return names;
+}
+
+bool CommandPackageRemover::packageKitClientInstalled() {
+    return access("/usr/bin/pkcon", X_OK) == 0;
 }
 
 std::vector<std::string> CommandPackageRemover::alsoRemoved(const AppInfo& app) {
@@ -105,6 +121,10 @@ PackageRemoval CommandPackageRemover::remove(const AppInfo& app) {
         throughPkexec = false;
         break;
     case AppKind::debian:
+        if (m_packageKit) {
+            request.argv = {"pkcon", "--noninteractive", "remove", app.package};
+            return fromPackageKitClient(m_run(request));
+        }
         request.argv = {"pkexec", "/usr/bin/apt-get", "remove", "-y", app.package};
         request.environment["DEBIAN_FRONTEND"] = "noninteractive";
         break;

@@ -38,17 +38,24 @@ public:
 };
 
 /// The package tools run as programs through `runner`: `flatpak uninstall` for a Flatpak (its
-/// own installation), `pkexec apt-get remove` for a Debian package and `pkexec snap remove` for
-/// a Snap; `apt-get -s remove` tells which other packages would go. pkexec's status 126 or 127
-/// means the prompt was dismissed.
+/// own installation), `pkexec apt-get remove` (or PackageKit's client) for a Debian package and
+/// `pkexec snap remove` for a Snap; `apt-get -s remove` tells which other packages would go.
+/// pkexec's status 126 or 127 means the prompt was dismissed.
 class CommandPackageRemover final : public PackageRemover {
 public:
-    explicit CommandPackageRemover(PackageCommandRunner runner) : m_run(std::move(runner)) {}
+    /// With `throughPackageKit`, a Debian package is removed by PackageKit's own client
+    /// (`pkcon remove`, which talks to the daemon over D-Bus and lets polkit ask) instead of
+    /// pkexec and apt-get; an authorisation it could not get counts as cancelled.
+    explicit CommandPackageRemover(PackageCommandRunner runner, bool throughPackageKit = false)
+        : m_run(std::move(runner)), m_packageKit(throughPackageKit) {}
+    /// Whether PackageKit's client is installed (/usr/bin/pkcon).
+    static bool packageKitClientInstalled();
     std::vector<std::string> alsoRemoved(const AppInfo& app) override;
     PackageRemoval remove(const AppInfo& app) override;
 
 private:
     PackageCommandRunner m_run;
+    bool m_packageKit = false;
 };
 
 /// The package names an `apt-get -s remove` output removes ("Remv NAME ..." lines), in order.

@@ -176,6 +176,24 @@ TEST(AppUninstall, PackagesGoThroughTheirToolsAndACancelledPromptRemovesNothing)
               (std::vector<std::string>{"pkexec", "/usr/bin/snap", "remove", "paint-snap"}));
 }
 
+TEST(AppUninstall, PackageKitClientRemovesDebianPackages) {
+    FakeRunner fake;
+    CommandPackageRemover remover(fake.runner(), true);
+    AppInfo app;
+    app.kind = AppKind::debian;
+    app.package = "paint";
+    fake.answer = exited(0);
+    EXPECT_TRUE(remover.remove(app).removed);
+    EXPECT_EQ(fake.calls.back(),
+              (std::vector<std::string>{"pkcon", "--noninteractive", "remove", "paint"}));
+    fake.answer = exited(4, "Resolving\nFatal error: Not authorized\n");
+    const PackageRemoval refused = remover.remove(app);
+    EXPECT_FALSE(refused.removed);
+    EXPECT_TRUE(refused.cancelled);
+    fake.answer = exited(4, "Fatal error: package not found\n");
+    EXPECT_EQ(remover.remove(app).message, "Fatal error: package not found");
+}
+
 TEST(AppUninstall, SaysWhichOtherPackagesWouldGo) {
     FakeRunner fake;
     fake.answer = exited(0, "NOTE: simulation\nRemv paint-plugins [1.0]\nRemv paint [2.0-1]\n"
