@@ -328,11 +328,9 @@ bool AppRoot::uninstallAppAt(const QString& path) {
         setSelectedSection(NavigationSection::Uninstaller);
         return true;
     }
-    if (!m_appScanner->selectAppForPath(path)) {
-        return false;
-    }
+    const bool found = m_appScanner->selectAppForPath(path);
     setSelectedSection(NavigationSection::Uninstaller);
-    return true;
+    return found;
 }
 
 } // namespace sondrel

@@ -147,9 +147,10 @@ public:
     Q_INVOKABLE QString permissionTitle(const QString& name) const;
     Q_INVOKABLE QString permissionMessage(const QString& name) const;
     Q_INVOKABLE QString grantPanelMessage(const QString& name) const;
-    /// "Uninstall App & Clean Leftovers" of the storage section: shows the App Uninstaller on
+    /// "Uninstall App & Clean Leftovers" of the storage section: shows the App Uninstaller, on
     /// the application that `path` belongs to (discovering first when nothing was discovered
-    /// yet). False when the catalogue, as discovered, knows no application there.
+    /// yet). False when the catalogue, as discovered, knows no application there (the page is
+    /// shown all the same).
     Q_INVOKABLE bool uninstallAppAt(const QString& path);
 
 signals:
