@@ -1,10 +1,13 @@
 #include "app/app_root.h"
 
+#include "app/package_kit_remover.h"
 #include "app/qt_conversions.h"
 #include "app/scan_target.h"
 #include "core/model/platform_terms.h"
 #include "core/removal/removal_chains.h"
 #include "platform/helper_location.h"
+#include "platform/app_catalogue.h"
+#include "platform/app_uninstaller.h"
 #include "platform/locations.h"
 
 #include <QDir>
@@ -88,6 +91,19 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
       m_selectedTargetFolder(toFileQString(m_locations->home)) {
     m_largeFileSearch = new LargeFileSearch(*m_locations, this);
     m_smartCleanEngine = new SmartCleanEngine(smartCleanHooks(*m_locations), m_systemMonitor, this);
+    m_appScanner = new AppScanner(
+        *m_locations, SystemRoots::forThisMachine(),
+        std::make_shared<PackageKitRemover>(std::make_shared<CommandPackageRemover>(runSubprocess)),
+        this);
+    // The storage section offers "Uninstall App & Clean Leftovers" for what the catalogue knows;
+    // the catalogue is read once a tree is shown, if nothing read it before.
+    m_navigator->setApplicationMatcher(
+        [this](const std::string& path) { return m_appScanner->knowsPathBytes(path); });
+    connect(m_diskScanner, &DiskScanner::rootItemChanged, this, [this] {
+        if (m_appScanner->installedCount() == 0 && m_appScanner->statusMessage().isEmpty()) {
+            m_appScanner->scanApps();
+        }
+    });
     // A new tree replaces the navigator's state, so a folder or selection of the old tree is
     // never shown against the new root.
     connect(m_diskScanner, &DiskScanner::rootItemChanged, this,
@@ -332,6 +348,24 @@ QString AppRoot::permissionMessage(const QString& name) const {
 QString AppRoot::grantPanelMessage(const QString& name) const {
     return QStringLiteral("Select your ") + name +
            QStringLiteral(" folder to grant Sondrel scanning permission.");
+}
+
+bool AppRoot::uninstallAppAt(const QString& path) {
+    if (m_appScanner->installedCount() == 0 && !m_appScanner->isScanning()) {
+        // Nothing discovered yet: discover, then select the application once it is known.
+        auto connection = std::make_shared<QMetaObject::Connection>();
+        *connection =
+            connect(m_appScanner, &AppScanner::scanFinished, this, [this, path, connection] {
+                disconnect(*connection);
+                m_appScanner->selectAppForPath(path);
+            });
+        m_appScanner->scanApps();
+        setSelectedSection(NavigationSection::Uninstaller);
+        return true;
+    }
+    const bool found = m_appScanner->selectAppForPath(path);
+    setSelectedSection(NavigationSection::Uninstaller);
+    return found;
 }
 
 } // namespace sondrel

@@ -7,6 +7,7 @@
 //
 // Threading: GUI thread only. Ownership: AppRoot is the parent of every engine it creates.
 
+#include "app/app_scanner.h"
 #include "app/disk_scanner.h"
 #include "app/duplicate_scanner.h"
 #include "app/large_file_search.h"
@@ -40,6 +41,7 @@ class AppRoot : public QObject {
     Q_PROPERTY(sondrel::DuplicateScanner* duplicateScanner READ duplicateScanner CONSTANT)
     Q_PROPERTY(sondrel::LargeFileSearch* largeFileSearch READ largeFileSearch CONSTANT)
     Q_PROPERTY(sondrel::SmartCleanEngine* smartCleanEngine READ smartCleanEngine CONSTANT)
+    Q_PROPERTY(sondrel::AppScanner* appScanner READ appScanner CONSTANT)
     /// The shown section, a NavigationSection::Id (`Section.Storage` in QML); the window opens
     /// on Smart Care.
     Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
@@ -77,6 +79,7 @@ public:
     DuplicateScanner* duplicateScanner() const { return m_duplicateScanner; }
     LargeFileSearch* largeFileSearch() const { return m_largeFileSearch; }
     SmartCleanEngine* smartCleanEngine() const { return m_smartCleanEngine; }
+    AppScanner* appScanner() const { return m_appScanner; }
     const Locations& locations() const { return *m_locations; }
 
     int selectedSection() const { return static_cast<int>(m_selectedSection); }
@@ -149,6 +152,11 @@ public:
     Q_INVOKABLE QString permissionTitle(const QString& name) const;
     Q_INVOKABLE QString permissionMessage(const QString& name) const;
     Q_INVOKABLE QString grantPanelMessage(const QString& name) const;
+    /// "Uninstall App & Clean Leftovers" of the storage section: shows the App Uninstaller, on
+    /// the application that `path` belongs to (discovering first when nothing was discovered
+    /// yet). False when the catalogue, as discovered, knows no application there (the page is
+    /// shown all the same).
+    Q_INVOKABLE bool uninstallAppAt(const QString& path);
 
 signals:
     void selectedSectionChanged();
@@ -174,6 +182,7 @@ private:
     DuplicateScanner* m_duplicateScanner = nullptr;
     LargeFileSearch* m_largeFileSearch = nullptr;
     SmartCleanEngine* m_smartCleanEngine = nullptr;
+    AppScanner* m_appScanner = nullptr;
 
     NavigationSection::Id m_selectedSection = NavigationSection::SmartCare;
     QString m_selectedTargetFolder;

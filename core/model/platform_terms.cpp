@@ -21,11 +21,20 @@ std::string withPlatformTerms(std::string_view text, TextPlatform platform) {
     // Longer phrases first, so that "macOS Trash" is not half-replaced by the "macOS" rule.
     // Whole sentences come first: Linux shows no privacy prompt, a folder is unreadable only
     // because its permissions say so.
-    static constexpr std::array<std::pair<std::string_view, std::string_view>, 22> kTerms = {{
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 26> kTerms = {{
         {"You selected 'Don't Allow' for this directory, so its files were not pulled into the "
          "app.",
          "The folder's permissions do not let you read it, so its files were not pulled into the "
          "app."},
+        {"These folders in ~/Library belong to applications that are no longer installed on your "
+         "Mac.",
+         "These folders in your home folder belong to applications that are no longer installed "
+         "on this computer."},
+        {"hidden ~/Library caches, containers, and residues",
+         "hidden caches, settings, and residues in your home folder"},
+        {"all selected ~/Library leftover files",
+         "all selected leftover files in your home folder"},
+        {"Application Binary (.app)", "Application Files"},
         {"macOS requires permission to scan your ",
          "The folder's permissions do not let you read your "},
         {" folder and authorize access", " folder, or a copy of it that you can read"},

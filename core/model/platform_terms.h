@@ -21,7 +21,9 @@ TextPlatform currentTextPlatform();
 /// Intel processors" -> "x86 / ARM processors", "APFS Storage" -> "Disk Storage", "Mac Name" ->
 /// "Computer Name", "Your Mac" and "from your Mac" -> "Your system" and "from your system",
 /// "~/Library/Caches" -> "~/.cache", the Smart Care texts on Xcode caches and Application
-/// Support files in their Linux words, "macOS" -> "Linux"; and the sentences that speak of a
+/// Support files in their Linux words, "macOS" -> "Linux", the uninstaller's "~/Library" phrases
+/// -> the home folder and "Application Binary (.app)" -> "Application Files"; and the sentences
+/// that speak of a
 /// privacy prompt say on Linux that the folder's permissions do not let the user read it.
 std::string withPlatformTerms(std::string_view text, TextPlatform platform);
 

@@ -7,6 +7,7 @@ import "pages"
 import "monitor"
 import "search"
 import Sondrel
+import "apps"
 import "duplicates"
 import "care"
 
@@ -92,10 +93,10 @@ ApplicationWindow {
                 scanner: window.appRoot.duplicateScanner
                 theme: window.theme
             }
-            PlaceholderPage {
-                objectName: section.page
+            AppUninstallerPage {
+                objectName: window.sections[Section.Uninstaller].page
+                scanner: window.appRoot.appScanner
                 theme: window.theme
-                section: window.sections[Section.Uninstaller]
             }
             PlaceholderPage {
                 objectName: section.page

@@ -47,7 +47,7 @@ Rectangle {
             Layout.fillWidth: true
             Layout.fillHeight: true
             onFolderDropped: function (path) { page.appRoot.scanChosenPath(path) }
-            onUninstallRequested: page.appRoot.selectedSection = Section.Uninstaller
+            onUninstallRequested: path => page.appRoot.uninstallAppAt(path)
         }
 
         AccessRefusedPanel {
