@@ -4,6 +4,7 @@
 #include "core/fs/measure_tree.h"
 #include "core/junk/junk_scan.h"
 #include "core/junk/junk_tables.h"
+#include "core/junk/junk_texts.h"
 #include "tests/core/junk/junk_test_home.h"
 
 #include <gmock/gmock.h>
@@ -276,6 +277,18 @@ TEST(JunkTables, KeepListAndTypeKeys) {
         EXPECT_EQ(path.find(".config"), std::string::npos) << path;
         EXPECT_EQ(path.find("credentials"), std::string::npos) << path;
     }
+}
+
+TEST(JunkTexts, LastUsedReadsInTheLargestWholeUnit) {
+    constexpr std::int64_t now = 1'700'000'000;
+    constexpr std::int64_t day = 86'400;
+    EXPECT_EQ(junkLastUsedText(0, now), "");
+    EXPECT_EQ(junkLastUsedText(now + 50, now), "last used today");
+    EXPECT_EQ(junkLastUsedText(now - day, now), "last used yesterday");
+    EXPECT_EQ(junkLastUsedText(now - 13 * day, now), "last used 13 days ago");
+    EXPECT_EQ(junkLastUsedText(now - 14 * day, now), "last used 2 weeks ago");
+    EXPECT_EQ(junkLastUsedText(now - 95 * day, now), "last used 3 months ago");
+    EXPECT_EQ(junkLastUsedText(now - 365 * day, now), "last used 1 year ago");
 }
 
 } // namespace
