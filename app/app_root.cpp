@@ -60,6 +60,7 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
       m_duplicateScanner(new DuplicateScanner(*m_locations, this)),
       m_selectedTargetFolder(toFileQString(m_locations->home)) {
     m_largeFileSearch = new LargeFileSearch(*m_locations, this);
+    m_junkScanner = new JunkScanner(*m_locations, this);
     // A new tree replaces the navigator's state, so a folder or selection of the old tree is
     // never shown against the new root.
     connect(m_diskScanner, &DiskScanner::rootItemChanged, this,

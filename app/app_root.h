@@ -9,6 +9,7 @@
 
 #include "app/disk_scanner.h"
 #include "app/duplicate_scanner.h"
+#include "app/junk_scanner.h"
 #include "app/large_file_search.h"
 #include "app/navigation_section.h"
 #include "app/storage_navigator.h"
@@ -38,6 +39,7 @@ class AppRoot : public QObject {
     Q_PROPERTY(sondrel::SystemMonitor* systemMonitor READ systemMonitor CONSTANT)
     Q_PROPERTY(sondrel::DuplicateScanner* duplicateScanner READ duplicateScanner CONSTANT)
     Q_PROPERTY(sondrel::LargeFileSearch* largeFileSearch READ largeFileSearch CONSTANT)
+    Q_PROPERTY(sondrel::JunkScanner* junkScanner READ junkScanner CONSTANT)
     /// The shown section, a NavigationSection::Id (`Section.Storage` in QML); the window opens
     /// on Smart Care.
     Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
@@ -74,6 +76,7 @@ public:
     SystemMonitor* systemMonitor() const { return m_systemMonitor; }
     DuplicateScanner* duplicateScanner() const { return m_duplicateScanner; }
     LargeFileSearch* largeFileSearch() const { return m_largeFileSearch; }
+    JunkScanner* junkScanner() const { return m_junkScanner; }
     const Locations& locations() const { return *m_locations; }
 
     int selectedSection() const { return static_cast<int>(m_selectedSection); }
@@ -168,6 +171,7 @@ private:
     SystemMonitor* m_systemMonitor = nullptr;
     DuplicateScanner* m_duplicateScanner = nullptr;
     LargeFileSearch* m_largeFileSearch = nullptr;
+    JunkScanner* m_junkScanner = nullptr;
 
     NavigationSection::Id m_selectedSection = NavigationSection::SmartCare;
     QString m_selectedTargetFolder;
