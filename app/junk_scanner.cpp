@@ -92,10 +92,10 @@ bool JunkScanner::startClean(std::vector<JunkItem> items) {
         [this, items = std::move(items), context](const JobContext& job) {
             return cleanJunkItems(
                 items, context, job.cancelToken(),
-                [this, job](std::size_t done, std::size_t total, const std::string&) {
+                [this, job](std::size_t done, std::size_t count, const std::string&) {
                     // The next item is the one now being removed.
                     const QString text =
-                        QString::fromStdString(junkCleaningText(std::min(done + 1, total), total));
+                        QString::fromStdString(junkCleaningText(std::min(done + 1, count), count));
                     job.post([this, text] { setStatus(text); });
                 });
         },

@@ -8,6 +8,7 @@ import "monitor"
 import "search"
 import Sondrel
 import "duplicates"
+import "junk"
 
 // The main window: the sidebar of eight sections beside the selected section's page. Every
 // engine comes from `appRoot`; no page creates one.
@@ -96,10 +97,10 @@ ApplicationWindow {
                 theme: window.theme
                 section: window.sections[Section.Uninstaller]
             }
-            PlaceholderPage {
-                objectName: section.page
+            JunkCleanerView {
+                objectName: window.sections[Section.Junk].page
+                scanner: window.appRoot.junkScanner
                 theme: window.theme
-                section: window.sections[Section.Junk]
             }
             SmartSearchView {
                 objectName: window.sections[Section.Search].page
