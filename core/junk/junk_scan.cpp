@@ -6,6 +6,7 @@
 #include "core/junk/junk_tables.h"
 #include "core/model/byte_format.h"
 #include "core/model/platform_terms.h"
+#include "core/removal/path_safety.h"
 
 #include <algorithm>
 #include <atomic>
@@ -221,10 +222,11 @@ private:
     std::vector<std::vector<std::string>> m_found;
 };
 
-// True when `root` is an existing folder (not a link) that this process can list.
+// True when `root` is a folder (a link to one counts: a home may link ~/projects elsewhere)
+// that this process can list.
 bool isReadableFolder(const std::string& root) {
     struct stat info {};
-    return lstat(root.c_str(), &info) == 0 && S_ISDIR(info.st_mode) &&
+    return stat(root.c_str(), &info) == 0 && S_ISDIR(info.st_mode) &&
            access(root.c_str(), R_OK | X_OK) == 0;
 }
 
@@ -257,12 +259,6 @@ std::vector<JunkItem> scanNodeModules(const JunkFolders& folders, const Measurer
     return items;
 }
 
-bool isWithin(const std::string& path, const std::string& folder) {
-    return path == folder ||
-           (path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
-            path[folder.size()] == '/');
-}
-
 std::vector<JunkItem> scanUserCaches(const JunkFolders& folders, const Measurer& measurer,
                                      const JunkScanOptions& options,
                                      const std::vector<std::string>& claimed,
@@ -282,7 +278,7 @@ std::vector<JunkItem> scanUserCaches(const JunkFolders& folders, const Measurer&
         const std::string path = cache + "/" + name;
         // A developer cache is listed in its own group only: no byte shows twice.
         const bool isClaimed = std::any_of(claimed.begin(), claimed.end(), [&](const auto& c) {
-            return isWithin(c, path) || isWithin(path, c);
+            return isWithinFolder(c, path) || isWithinFolder(path, c);
         });
         if (isClaimed) {
             continue;

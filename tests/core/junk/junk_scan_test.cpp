@@ -89,6 +89,18 @@ TEST(JunkScan, NodeModulesOfExactlyTenMebibytesIsNotListed) {
     EXPECT_THAT(titlesOf(groups, JunkType::nodeModules), ElementsAre("app/node_modules"));
 }
 
+TEST(JunkScan, ASearchRootThatIsALinkIsSearched) {
+    const JunkHome home;
+    const std::string elsewhere = home.dir.makeDir("disk/work");
+    home.dir.makeFile("disk/work/api/node_modules/pkg.tgz", 11 * kMiB);
+    ASSERT_EQ(symlink(elsewhere.c_str(), (home.home + "/workspace").c_str()), 0);
+    const auto groups = home.scan();
+    ASSERT_NE(groupOf(groups, JunkType::nodeModules), nullptr);
+    const JunkItem& item = groupOf(groups, JunkType::nodeModules)->items.front();
+    EXPECT_EQ(item.path, home.home + "/workspace/api/node_modules");
+    EXPECT_EQ(item.root, home.home + "/workspace");
+}
+
 TEST(JunkScan, UserCachesKeepTheTwentyLargestLargestFirst) {
     const JunkHome home(true);
     for (int i = 0; i < 25; ++i) {
