@@ -3,11 +3,12 @@
 #include "app/package_kit_remover.h"
 #include "app/qt_conversions.h"
 #include "app/scan_target.h"
+#include "core/care/care_sources.h"
 #include "core/model/platform_terms.h"
 #include "core/removal/removal_chains.h"
-#include "platform/helper_location.h"
 #include "platform/app_catalogue.h"
 #include "platform/app_uninstaller.h"
+#include "platform/helper_location.h"
 #include "platform/locations.h"
 
 #include <QDir>
@@ -49,28 +50,52 @@ TrashResult moveToUserTrash(const std::string& path, const Locations& locations)
     return result;
 }
 
-// Smart Care's collaborators. The junk scan and the search for leftovers of removed apps are
-// not part of this build yet: their hooks finish at once with no items, so the dashboard scores
-// disk and memory alone. The clean sends what it is given through the removal chains, with the
-// installed privileged helper (when there is one) for what only the administrator may remove.
-// Wiring point: startJunkScan/junkItems (JunkScanner) and startAppScan/orphanItems (AppScanner)
-// plug in here.
-SmartCleanHooks smartCleanHooks(const Locations& locations) {
+// Smart Care's collaborators: the window's own junk and application scanners. A Smart Scan
+// starts both (or joins a scan already running) and keeps what they found; the clean hands each
+// chosen item back to the chain of the scan that found it, with the installed privileged helper
+// (when there is one) asked once for everything only the administrator may remove.
+SmartCleanHooks smartCleanHooks(const Locations& locations, JunkScanner* junk, AppScanner* apps) {
+    // Written on the GUI thread when a scan finishes; read by the clean's worker, which starts
+    // later (a scan is refused while a clean runs).
+    auto found = std::make_shared<CareSources>();
     SmartCleanHooks hooks;
-    hooks.startJunkScan = [](const SmartCleanHooks::Done& done) { done(); };
-    hooks.startAppScan = [](const SmartCleanHooks::Done& done) { done(); };
-    hooks.junkItems = [] { return std::vector<CareItem>{}; };
-    hooks.orphanItems = [] { return std::vector<CareItem>{}; };
+    hooks.startJunkScan = [junk](const SmartCleanHooks::Done& done) {
+        QObject::connect(
+            junk, &JunkScanner::scanFinished, junk, [done] { done(); }, Qt::SingleShotConnection);
+        if (!junk->isScanning()) {
+            junk->scan();
+        }
+    };
+    hooks.startAppScan = [apps](const SmartCleanHooks::Done& done) {
+        QObject::connect(
+            apps, &AppScanner::scanFinished, apps, [done] { done(); }, Qt::SingleShotConnection);
+        if (!apps->isScanning()) {
+            apps->scanApps();
+        }
+    };
+    hooks.junkItems = [junk, found] {
+        found->junk = careSourcesOf(junk->groups(), {}).junk;
+        return careItemsOf({found->junk, {}});
+    };
+    hooks.orphanItems = [apps, found] {
+        found->orphans = apps->orphanedLeftovers();
+        return careItemsOf({{}, found->orphans});
+    };
     const std::string helper = installedHelperPath();
     const auto administrator = access(helper.c_str(), X_OK) == 0
                                    ? std::make_shared<const PrivilegedHelperClient>(helper)
                                    : nullptr;
-    hooks.clean = [context = RemovalContext::forUser(locations),
-                   administrator](const std::vector<CareItem>& items, const CancelToken& cancel,
-                                  const CareCleanProgress& progress) {
+    hooks.clean = [context = RemovalContext::forUser(locations), administrator,
+                   found](const std::vector<CareItem>& items, const CancelToken& cancel,
+                          const CareCleanProgress& progress) {
         RemovalContext withAdministrator = context;
         withAdministrator.administrator = administrator.get();
-        return cleanCareItems(items, withAdministrator, cancel, progress);
+        return cleanFromSources(items, *found, withAdministrator, cancel, progress);
+    };
+    // The junk and application screens show what is left.
+    hooks.cleanFinished = [junk, apps] {
+        junk->scan();
+        apps->scanApps();
     };
     return hooks;
 }
@@ -90,11 +115,13 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
       m_duplicateScanner(new DuplicateScanner(*m_locations, this)),
       m_selectedTargetFolder(toFileQString(m_locations->home)) {
     m_largeFileSearch = new LargeFileSearch(*m_locations, this);
-    m_smartCleanEngine = new SmartCleanEngine(smartCleanHooks(*m_locations), m_systemMonitor, this);
+    m_junkScanner = new JunkScanner(*m_locations, this);
     m_appScanner = new AppScanner(
         *m_locations, SystemRoots::forThisMachine(),
         std::make_shared<PackageKitRemover>(std::make_shared<CommandPackageRemover>(runSubprocess)),
         this);
+    m_smartCleanEngine = new SmartCleanEngine(
+        smartCleanHooks(*m_locations, m_junkScanner, m_appScanner), m_systemMonitor, this);
     // The storage section offers "Uninstall App & Clean Leftovers" for what the catalogue knows;
     // the catalogue is read once a tree is shown, if nothing read it before.
     m_navigator->setApplicationMatcher(

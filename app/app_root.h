@@ -10,6 +10,7 @@
 #include "app/app_scanner.h"
 #include "app/disk_scanner.h"
 #include "app/duplicate_scanner.h"
+#include "app/junk_scanner.h"
 #include "app/large_file_search.h"
 #include "app/navigation_section.h"
 #include "app/smart_clean_engine.h"
@@ -42,6 +43,7 @@ class AppRoot : public QObject {
     Q_PROPERTY(sondrel::LargeFileSearch* largeFileSearch READ largeFileSearch CONSTANT)
     Q_PROPERTY(sondrel::SmartCleanEngine* smartCleanEngine READ smartCleanEngine CONSTANT)
     Q_PROPERTY(sondrel::AppScanner* appScanner READ appScanner CONSTANT)
+    Q_PROPERTY(sondrel::JunkScanner* junkScanner READ junkScanner CONSTANT)
     /// The shown section, a NavigationSection::Id (`Section.Storage` in QML); the window opens
     /// on Smart Care.
     Q_PROPERTY(int selectedSection READ selectedSection WRITE setSelectedSection NOTIFY
@@ -80,6 +82,7 @@ public:
     LargeFileSearch* largeFileSearch() const { return m_largeFileSearch; }
     SmartCleanEngine* smartCleanEngine() const { return m_smartCleanEngine; }
     AppScanner* appScanner() const { return m_appScanner; }
+    JunkScanner* junkScanner() const { return m_junkScanner; }
     const Locations& locations() const { return *m_locations; }
 
     int selectedSection() const { return static_cast<int>(m_selectedSection); }
@@ -183,6 +186,7 @@ private:
     LargeFileSearch* m_largeFileSearch = nullptr;
     SmartCleanEngine* m_smartCleanEngine = nullptr;
     AppScanner* m_appScanner = nullptr;
+    JunkScanner* m_junkScanner = nullptr;
 
     NavigationSection::Id m_selectedSection = NavigationSection::SmartCare;
     QString m_selectedTargetFolder;

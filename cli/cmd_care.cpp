@@ -4,21 +4,30 @@
 // manifest (every item a clean would remove) and removes nothing; with --yes it removes the items
 // of every category not skipped and prints the freed total and the new score.
 //
-// What the command can find today: the Trash (the home trash's entries, removed for good by the
-// clean); disk and memory from the system sampler. The junk and leftover finders add their
-// items in findCareItems.
+// The items are what the junk scan and the application scan find (the same scans as
+// `sondrel-cli junk` and `sondrel-cli apps orphans`); disk and memory come from the system
+// sampler. The clean removes each item through the chain of the scan that found it.
 
 #include "cli/command_registry.h"
 #include "core/care/care_clean.h"
 #include "core/care/care_scores.h"
+#include "core/care/care_sources.h"
 #include "core/care/care_texts.h"
+#include "core/junk/junk_folders.h"
+#include "core/junk/junk_scan.h"
 #include "core/model/byte_format.h"
+#include "core/removal/privileged_helper_client.h"
 #include "core/util/json_writer.h"
 #include "core/util/text_escape.h"
+#include "platform/app_catalogue.h"
+#include "platform/helper_location.h"
 #include "platform/system_sampler.h"
 
+#include <ctime>
+#include <memory>
 #include <ostream>
 #include <string>
+#include <unistd.h>
 
 namespace sondrel::cli {
 
@@ -26,9 +35,13 @@ namespace {
 
 constexpr std::string_view kCategoryKeys = "developer, orphans, caches, logs, trash";
 
-// Every item a Smart Clean of this home would remove.
-std::vector<CareItem> findCareItems(const Locations& locations, const CancelToken& cancel) {
-    return listTrashItems(locations.trashFiles, cancel);
+// Everything a Smart Clean of this home chooses from: the junk and the leftovers of removed
+// applications.
+CareSources findCareSources(const Locations& locations, const CancelToken& cancel) {
+    std::vector<JunkGroup> junk = scanJunk(JunkFolders::from(locations), cancel);
+    AppDiscovery apps = discoverApps(locations, SystemRoots::forThisMachine(), cancel,
+                                     static_cast<std::int64_t>(std::time(nullptr)));
+    return careSourcesOf(junk, std::move(apps.orphans));
 }
 
 struct Sample {
@@ -140,7 +153,7 @@ void writeManifestJson(JsonWriter& json, const CareManifest& manifest,
 
 int runReport(CommandContext& context) {
     const CancelToken cancel;
-    const CareManifest manifest(findCareItems(context.locations, cancel));
+    const CareManifest manifest(careItemsOf(findCareSources(context.locations, cancel)));
     const SmartCleanSummary summary = manifest.summary();
     const Sample sample = sampleSystem();
     const CareScores scores = scoreAfterScan(summary, sample.disk, sample.memory);
@@ -165,7 +178,8 @@ int runReport(CommandContext& context) {
 
 int runClean(CommandContext& context, const CareSwitches& switches, bool yes) {
     const CancelToken cancel;
-    const CareManifest manifest(findCareItems(context.locations, cancel));
+    const CareSources sources = findCareSources(context.locations, cancel);
+    const CareManifest manifest(careItemsOf(sources));
     if (!yes) {
         if (context.json) {
             JsonWriter json(context.out);
@@ -181,9 +195,15 @@ int runClean(CommandContext& context, const CareSwitches& switches, bool yes) {
         return kExitOk;
     }
 
-    const RemovalContext removal = RemovalContext::forUser(context.locations);
+    RemovalContext removal = RemovalContext::forUser(context.locations);
+    std::unique_ptr<PrivilegedHelperClient> administrator;
+    const std::string helper = installedHelperPath();
+    if (access(helper.c_str(), X_OK) == 0) {
+        administrator = std::make_unique<PrivilegedHelperClient>(helper);
+        removal.administrator = administrator.get();
+    }
     const CareCleanResult result =
-        cleanCareItems(manifest.selectedItems(switches), removal, cancel, {});
+        cleanFromSources(manifest.selectedItems(switches), sources, removal, cancel, {});
     const Sample sample = sampleSystem();
     const CareScores scores = scoreAfterClean(sample.disk, sample.memory);
     const std::int64_t freed = std::max<std::int64_t>(result.bytesFreed, 0);

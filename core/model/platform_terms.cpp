@@ -21,7 +21,7 @@ std::string withPlatformTerms(std::string_view text, TextPlatform platform) {
     // Longer phrases first, so that "macOS Trash" is not half-replaced by the "macOS" rule.
     // Whole sentences come first: Linux shows no privacy prompt, a folder is unreadable only
     // because its permissions say so.
-    static constexpr std::array<std::pair<std::string_view, std::string_view>, 26> kTerms = {{
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 29> kTerms = {{
         {"You selected 'Don't Allow' for this directory, so its files were not pulled into the "
          "app.",
          "The folder's permissions do not let you read it, so its files were not pulled into the "
@@ -56,6 +56,12 @@ std::string withPlatformTerms(std::string_view text, TextPlatform platform) {
         {"APFS storage", "disk storage"},
         {"Mac Name", "Computer Name"},
         {"Apple System Integrity Protection", "the system's package manager"},
+        {"Xcode & Developer Caches", "Developer Caches"},
+        {"DerivedData, iOS device support logs, and build artifacts that can be safely rebuilt.",
+         "Package, module and compiler caches (npm, pip, Cargo, Go, Gradle, Maven, ccache) that "
+         "their tools rebuild."},
+        {"Xcode DerivedData, simulator caches, node_modules bloat",
+         "developer caches, node_modules bloat"},
         {"Xcode DerivedData", "developer build caches"},
         {"Finder", "Files"},
         {"macOS", "Linux"},

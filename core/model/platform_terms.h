@@ -17,7 +17,9 @@ TextPlatform currentTextPlatform();
 /// `text` with the macOS-only terms replaced for `platform` (unchanged for macOS): "macOS Trash"
 /// -> "Trash", "Reveal in (macOS) Finder" -> "Show in Files", "across your Mac" -> "across your
 /// computer", "macOS Finder" and "Finder" -> "Files", "Apple System Integrity Protection" -> "the
-/// system's package manager", "Xcode DerivedData" -> "developer build caches", "Apple Silicon /
+/// system's package manager", "Xcode & Developer Caches" -> "Developer Caches" (and that group's
+/// description and the junk page's Xcode sentences), "~/Library/Caches" -> "~/.cache",
+/// "Xcode DerivedData" -> "developer build caches", "Apple Silicon /
 /// Intel processors" -> "x86 / ARM processors", "APFS Storage" -> "Disk Storage", "Mac Name" ->
 /// "Computer Name", "Your Mac" and "from your Mac" -> "Your system" and "from your system",
 /// "~/Library/Caches" -> "~/.cache", the Smart Care texts on Xcode caches and Application

@@ -10,6 +10,7 @@ import Sondrel
 import "apps"
 import "duplicates"
 import "care"
+import "junk"
 
 // The main window: the sidebar of eight sections beside the selected section's page. Every
 // engine comes from `appRoot`; no page creates one.
@@ -98,10 +99,10 @@ ApplicationWindow {
                 scanner: window.appRoot.appScanner
                 theme: window.theme
             }
-            PlaceholderPage {
-                objectName: section.page
+            JunkCleanerView {
+                objectName: window.sections[Section.Junk].page
+                scanner: window.appRoot.junkScanner
                 theme: window.theme
-                section: window.sections[Section.Junk]
             }
             SmartSearchView {
                 objectName: window.sections[Section.Search].page
