@@ -1,14 +1,5 @@
 #pragma once
-// Removing the items of a Smart Clean, and listing the home Trash as manifest items. The clean
-// sends each item through the removal chain of its kind: items in the Trash are removed for good
-// (with their .trashinfo), orphaned leftovers go through the app chain into the Trash, the other
-// junk through the junk chain (Trash first). Items that need administrator rights are gathered
-// and handed to the privileged helper in one batch at the end, so one password prompt covers the
-// whole clean.
-
-#include "core/care/care_manifest.h"
-#include "core/removal/removal_chains.h"
-#include "core/util/cancel_token.h"
+// What a Smart Clean did (see care_sources.h for the clean itself).
 
 #include <cstdint>
 #include <functional>
@@ -33,16 +24,5 @@ struct CareCleanResult {
 
 /// Progress of a clean: `done` of `total` items handled. Called on the cleaning thread.
 using CareCleanProgress = std::function<void(std::size_t done, std::size_t total)>;
-
-/// Removes `items` in order through their chains (see above) within `context` (its roots and,
-/// when set, its administrator client, used once for the items no other step removed and that
-/// need it). An item with nothing at its path counts as not freed and not failed. Polls `cancel`
-/// before each item; `progress` may be empty. Blocking; safe on any thread.
-CareCleanResult cleanCareItems(const std::vector<CareItem>& items, const RemovalContext& context,
-                               const CancelToken& cancel, const CareCleanProgress& progress);
-
-/// The entries of the home trash's files/ folder `trashFiles` as Trash items (allocated bytes,
-/// each measured as `du` does). An unreadable or missing folder gives no items. Blocking.
-std::vector<CareItem> listTrashItems(const std::string& trashFiles, const CancelToken& cancel);
 
 } // namespace sondrel

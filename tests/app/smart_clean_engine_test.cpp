@@ -4,6 +4,7 @@
 
 #include "app/smart_clean_engine.h"
 #include "app/system_monitor.h"
+#include "core/care/care_sources.h"
 #include "core/care/care_texts.h"
 #include "core/fs/measure_tree.h"
 #include "core/removal/permanent_removal.h"
@@ -294,9 +295,26 @@ private slots:
         fake.orphans = {item(h + "/.config/GoneApp", CareCategory::orphanedLeftovers)};
         SmartCleanHooks hooks = fake.hooks();
         const RemovalContext context = RemovalContext::forUser(h, h + "/.local/share", {h});
-        hooks.clean = [context](const std::vector<CareItem>& items, const CancelToken& cancel,
-                                const CareCleanProgress& progress) {
-            return cleanCareItems(items, context, cancel, progress);
+        // What the junk and app scans would have found, for their chains.
+        CareSources sources;
+        const auto junk = [](const std::string& path, const std::string& root, JunkType type) {
+            JunkItem found;
+            found.path = path;
+            found.root = root;
+            found.type = type;
+            found.size = measureTree(path).allocated;
+            return found;
+        };
+        sources.junk = {junk(h + "/.cache/thumbnails", h + "/.cache", JunkType::userCaches),
+                        junk(h + "/.local/share/Trash/files/old.iso",
+                             h + "/.local/share/Trash/files", JunkType::trash)};
+        sources.orphans.push_back({});
+        sources.orphans.back().path = h + "/.config/GoneApp";
+        sources.orphans.back().size = fake.orphans.front().size;
+        hooks.clean = [context, sources](const std::vector<CareItem>& items,
+                                         const CancelToken& cancel,
+                                         const CareCleanProgress& progress) {
+            return cleanFromSources(items, sources, context, cancel, progress);
         };
         SmartCleanEngine engine(hooks, m_monitor.get());
         scanAndWait(engine, fake);
