@@ -134,8 +134,9 @@ Card {
                         font.pixelSize: 11
                     }
                 }
-                Switch {
+                ThemedSwitch {
                     objectName: "itemToggle"
+                    theme: pane.theme
                     checked: itemRow.modelData.isSelected
                     onToggled: pane.scanner.setItemSelected(pane.app.appId, itemRow.modelData.itemId,
                                                             checked)

@@ -72,28 +72,13 @@ Card {
                 font.pixelSize: 14
                 font.bold: true
             }
-            Switch {
+            ThemedSwitch {
                 id: toggle
                 objectName: "rowSwitch"
+                theme: card.theme
                 checked: card.checked
                 onToggled: card.toggled(checked)
                 Accessible.name: card.row.title
-                indicator: Rectangle {
-                    implicitWidth: 40
-                    implicitHeight: 22
-                    x: toggle.leftPadding
-                    y: (toggle.height - height) / 2
-                    radius: 11
-                    color: toggle.checked ? card.theme.accent : card.theme.border
-                    Rectangle {
-                        x: toggle.checked ? parent.width - width - 2 : 2
-                        y: 2
-                        width: 18
-                        height: 18
-                        radius: 9
-                        color: "white"
-                    }
-                }
             }
         }
 
