@@ -118,7 +118,11 @@ private:
     std::unique_ptr<QQmlApplicationEngine> m_engine;
     QQuickWindow* m_window = nullptr;
 
-    QString home() const { return m_dir.path() + "/home"; }
+    // SONDREL_SCREENSHOT_HOME=DIR shows a populated home of one's own in the pictures.
+    QString home() const {
+        const QString own = qEnvironmentVariable("SONDREL_SCREENSHOT_HOME");
+        return own.isEmpty() ? m_dir.path() + "/home" : own;
+    }
 
 private slots:
     void initTestCase() {
@@ -234,7 +238,8 @@ private slots:
             // SONDREL_SCREENSHOT=DIR keeps a picture of each section as DIR/PAGE.png.
             const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT");
             if (!shots.isEmpty()) {
-                QTest::qWait(100);
+                QTest::qWait(1500); // the section's first scan
+
                 QVERIFY(m_window->grabWindow().save(shots + "/" + page + ".png"));
             }
             if (QQuickItem* unavailable = findItem(findItem(pages, page), "unavailableText")) {
