@@ -411,6 +411,23 @@ private slots:
     // Writes treemap.png and rings.png of a real scanned folder into the folder named by
     // SONDREL_SCREENSHOT_DIR (skipped when unset); SONDREL_SCREENSHOT_SOURCE names the folder
     // to scan (default /usr/share). Only reads the scanned folder.
+    void treemapReadoutNamesTheHoveredTileAndSizesSwitch() {
+        TreemapCanvasView* canvas = showTreemap();
+        QVERIFY(canvas != nullptr);
+        const FileItem videos = childNamed(m_root, "Videos");
+        QTest::mouseMove(m_view.get(), scenePoint(canvas, videos));
+        auto* readout = find<QQuickItem>("treemapHoverReadout");
+        QVERIFY(readout != nullptr);
+        QTRY_COMPARE(readout->property("text").toString(),
+                     QStringLiteral("Videos — %1 • 64.0%")
+                         .arg(QString::fromStdString(videos.formattedSize())));
+
+        click(find<QQuickItem>("measure Apparent size"));
+        QVERIFY(m_navigator->apparentSize());
+        click(find<QQuickItem>("measure Size on disk"));
+        QVERIFY(!m_navigator->apparentSize());
+    }
+
     void screenshotsOfAScannedFolder() {
         const QString out = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
         if (out.isEmpty()) {

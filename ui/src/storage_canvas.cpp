@@ -200,6 +200,16 @@ FileItem StorageCanvas::hoveredItem() const {
     return m_hovered >= 0 && m_hovered < shapeCountImpl() ? itemOfShape(m_hovered) : FileItem{};
 }
 
+QString StorageCanvas::hoverText() const {
+    const FileItem item = hoveredItem();
+    if (!item) {
+        return {};
+    }
+    return QStringLiteral("%1 — %2 • %3%")
+        .arg(toDisplayQString(item.name()), QString::fromStdString(item.formattedSize()),
+             QString::number(item.percentageOfParent() * 100.0, 'f', 1));
+}
+
 QColor StorageCanvas::themeColor(const char* role, const QColor& fallback) const {
     if (!m_theme) {
         return fallback;

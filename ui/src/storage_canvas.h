@@ -50,6 +50,9 @@ class StorageCanvas : public QQuickPaintedItem {
     Q_PROPERTY(bool contextIsApplication READ contextIsApplication NOTIFY contextChanged)
     /// The name of that item, shown as the menu's first line (empty when there is none).
     Q_PROPERTY(QString contextName READ contextName NOTIFY contextChanged)
+    /// "NAME — SIZE • SHARE%" of the hovered item (its share of its folder, one decimal), so
+    /// that shapes too small for a label still tell what they are; "" when nothing is hovered.
+    Q_PROPERTY(QString hoverText READ hoverText NOTIFY hoverChanged)
 
 public:
     explicit StorageCanvas(QQuickItem* parent = nullptr);
@@ -83,6 +86,7 @@ public:
     QPointF centerOf(const FileItem& item) const;
     /// The hovered item (null when none).
     FileItem hoveredItem() const;
+    QString hoverText() const;
 
     /// Sets the threshold back to 0 ("Reset Filter").
     Q_INVOKABLE void resetFilter() { setMinSizeThreshold(0); }

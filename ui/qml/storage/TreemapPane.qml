@@ -20,7 +20,23 @@ Item {
         theme: pane.theme
     }
 
+    // Tiles too small for a label still say what they are while the pointer is on them.
+    Text {
+        objectName: "treemapHoverReadout"
+        anchors.left: filterBar.right
+        anchors.leftMargin: 12
+        anchors.right: upLevel.left
+        anchors.rightMargin: 12
+        anchors.verticalCenter: filterBar.verticalCenter
+        horizontalAlignment: Text.AlignRight
+        elide: Text.ElideMiddle
+        text: canvas.hoverText
+        color: pane.theme.textSecondary
+        font.pixelSize: 12
+    }
+
     StorageButton {
+        id: upLevel
         objectName: "treemapUpLevel"
         anchors.right: parent.right
         anchors.verticalCenter: filterBar.verticalCenter
