@@ -5,6 +5,7 @@
 #include "app/app_root.h"
 #include "app/navigation_section.h"
 #include "app/qt_conversions.h"
+#include "tests/ui/warning_filter.h"
 #include "ui/src/app_actions.h"
 #include "ui/src/shell_setup.h"
 #include "ui/src/symbol_icons.h"
@@ -135,7 +136,7 @@ private slots:
         file.write(QByteArray(50000, 'x'));
         file.close();
 
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        QTest::failOnWarning(sondrel::test::anyWarning());
         m_root = std::make_unique<AppRoot>(Locations::forLinux(toPathBytes(home())));
         m_actions = std::make_unique<AppActions>();
         m_engine = std::make_unique<QQmlApplicationEngine>();
@@ -148,7 +149,7 @@ private slots:
         QCOMPARE(m_root->selectedTargetFolder(), home());
     }
 
-    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+    void init() { QTest::failOnWarning(sondrel::test::anyWarning()); }
 
     void cleanupTestCase() {
         m_engine.reset();

@@ -7,6 +7,7 @@
 #include "app/smart_clean_engine.h"
 #include "app/system_monitor.h"
 #include "platform/system_sampler.h"
+#include "tests/ui/warning_filter.h"
 #include "ui/src/shell_setup.h"
 
 #include <QQmlComponent>
@@ -149,7 +150,7 @@ private:
 
 private slots:
     void init() {
-        QTest::failOnWarning(QRegularExpression(".*"));
+        QTest::failOnWarning(sondrel::test::anyWarning());
         m_monitor = std::make_unique<SystemMonitor>(std::make_unique<FixedSampler>(m_figures));
         SmartCleanHooks hooks;
         hooks.startJunkScan = [](const SmartCleanHooks::Done& done) { done(); };

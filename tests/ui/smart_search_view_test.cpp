@@ -5,6 +5,7 @@
 
 #include "app/app_root.h"
 #include "app/qt_conversions.h"
+#include "tests/ui/warning_filter.h"
 #include "ui/src/app_actions.h"
 #include "ui/src/shell_setup.h"
 
@@ -129,7 +130,7 @@ private slots:
         sparse("Downloads/.hidden.bin", 314572800);
         sparse("Downloads/almost.bin", 20971519);
 
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        QTest::failOnWarning(sondrel::test::anyWarning());
         m_root = std::make_unique<AppRoot>(Locations::forLinux(toPathBytes(home())));
         m_actions = std::make_unique<AppActions>();
         m_engine = std::make_unique<QQmlApplicationEngine>();
@@ -140,7 +141,7 @@ private slots:
         QTRY_VERIFY(page()->isVisible());
     }
 
-    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+    void init() { QTest::failOnWarning(sondrel::test::anyWarning()); }
 
     void cleanupTestCase() {
         m_engine.reset();

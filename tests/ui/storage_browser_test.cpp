@@ -6,6 +6,7 @@
 #include "core/removal/trash_restore.h"
 #include "core/scan/tree_scan.h"
 #include "tests/ui/storage_test_tree.h"
+#include "tests/ui/warning_filter.h"
 #include "ui/src/color_rings_canvas_view.h"
 #include "ui/src/symbol_icons.h"
 #include "ui/src/treemap_canvas_view.h"
@@ -110,7 +111,7 @@ private:
 
 private slots:
     void init() {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        QTest::failOnWarning(sondrel::test::anyWarning());
         m_navigator = std::make_unique<StorageNavigator>();
         m_theme = std::make_unique<TestTheme>();
         m_root = makeStorageTestTree();
