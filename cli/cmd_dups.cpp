@@ -6,6 +6,7 @@
 // freed and failed counts and exits 1 when a copy could not be removed.
 
 #include "cli/command_registry.h"
+#include "cli/interrupt_scope.h"
 #include "core/duplicates/duplicate_finder.h"
 #include "core/duplicates/duplicate_texts.h"
 #include "core/duplicates/duplicate_trash.h"
@@ -26,32 +27,6 @@
 namespace sondrel::cli {
 
 namespace {
-
-CancelToken* g_interrupt = nullptr;
-
-extern "C" void onDupsInterrupt(int /*signal*/) {
-    if (g_interrupt != nullptr) {
-        g_interrupt->cancel(); // a lock-free atomic store: safe in a signal handler
-    }
-}
-
-// Installs the Ctrl-C handler for the lifetime of a scan or trash run.
-class InterruptScope {
-public:
-    explicit InterruptScope(CancelToken& cancel) {
-        g_interrupt = &cancel;
-        m_previous = std::signal(SIGINT, onDupsInterrupt);
-    }
-    ~InterruptScope() {
-        std::signal(SIGINT, m_previous);
-        g_interrupt = nullptr;
-    }
-    InterruptScope(const InterruptScope&) = delete;
-    InterruptScope& operator=(const InterruptScope&) = delete;
-
-private:
-    void (*m_previous)(int) = SIG_DFL;
-};
 
 // An absolute form of a command-line folder, without trailing slashes.
 std::string absoluteFolder(std::string path) {

@@ -6,6 +6,7 @@
 // and exits 1 when something could not be removed.
 
 #include "cli/command_registry.h"
+#include "cli/interrupt_scope.h"
 #include "core/junk/junk_clean.h"
 #include "core/junk/junk_scan.h"
 #include "core/junk/junk_texts.h"
@@ -25,37 +26,11 @@ namespace sondrel::cli {
 
 namespace {
 
-CancelToken* g_junkInterrupt = nullptr;
-
-extern "C" void onJunkInterrupt(int /*signal*/) {
-    if (g_junkInterrupt != nullptr) {
-        g_junkInterrupt->cancel(); // a lock-free atomic store: safe in a signal handler
-    }
-}
-
-// Installs the Ctrl-C handler for the lifetime of a scan or clean.
-class JunkInterruptScope {
-public:
-    explicit JunkInterruptScope(CancelToken& cancel) {
-        g_junkInterrupt = &cancel;
-        m_previous = std::signal(SIGINT, onJunkInterrupt);
-    }
-    ~JunkInterruptScope() {
-        std::signal(SIGINT, m_previous);
-        g_junkInterrupt = nullptr;
-    }
-    JunkInterruptScope(const JunkInterruptScope&) = delete;
-    JunkInterruptScope& operator=(const JunkInterruptScope&) = delete;
-
-private:
-    void (*m_previous)(int) = SIG_DFL;
-};
-
 std::vector<JunkGroup> runScan(CommandContext& context, CancelToken& cancel) {
     if (context.stderrIsTerminal) {
         context.err << kJunkScanningText << std::flush;
     }
-    JunkInterruptScope interrupt(cancel);
+    InterruptScope interrupt(cancel);
     std::vector<JunkGroup> groups = scanJunk(JunkFolders::from(context.locations), cancel);
     if (context.stderrIsTerminal) {
         context.err << "\r\033[K" << std::flush;
@@ -216,7 +191,7 @@ int runJunkClean(CommandContext& context, const std::vector<JunkType>& named, bo
     }
     JunkCleanReport report;
     {
-        JunkInterruptScope interrupt(cancel);
+        InterruptScope interrupt(cancel);
         report =
             cleanJunkItems(items, removal, cancel,
                            [&context](std::size_t done, std::size_t count, const std::string&) {
