@@ -50,10 +50,8 @@ QVariantList StorageDetails::breakdown() const {
     if (!folder) {
         return {};
     }
-    std::array<std::int64_t, kAllFileCategories.size()> sums{};
-    folder.forEachChild([&](const FileNode& child) {
-        sums[static_cast<std::size_t>(child.category)] += std::max<std::int64_t>(child.size, 0);
-    });
+    // The whole subtree, not only the direct children: a folder of folders is not all "Other".
+    std::array<std::int64_t, kAllFileCategories.size()> sums = folder.categoryBreakdown();
     std::vector<std::size_t> order;
     for (std::size_t i = 0; i < sums.size(); ++i) {
         if (sums[i] > 0) {

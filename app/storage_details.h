@@ -56,6 +56,8 @@ public:
     QString folderName() const;
     QString folderSizeText() const;
     QString folderItemsText() const;
+    /// Rows (name, color, sizeText, shareText) of the viewed folder's whole subtree by
+    /// category, largest first; empty without a folder.
     QVariantList breakdown() const;
     QStringList breadcrumbNames() const;
     int breadcrumbCapacity() const { return m_breadcrumbCapacity; }

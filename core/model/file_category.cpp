@@ -3,8 +3,11 @@
 #include "core/util/path_text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace sondrel {
 
@@ -56,6 +59,61 @@ const std::array<ExtensionRule, 7>& extensionRules() {
     return rules;
 }
 
+// The extension table as (lower-case extension packed into 8 bytes, category), sorted by key,
+// the first rule kept for an extension listed twice. Files are classified by the million during
+// a scan, so the lookup neither allocates nor scans the lists.
+struct ExtensionKey {
+    std::uint64_t key;
+    FileCategory category;
+};
+
+constexpr std::size_t kMaxExtension = 8;
+
+// Packs up to 8 bytes of `extension`, ASCII letters lower-cased; nullopt when longer.
+std::optional<std::uint64_t> packedExtension(std::string_view extension) {
+    if (extension.size() > kMaxExtension) {
+        return std::nullopt;
+    }
+    std::uint64_t key = 0;
+    for (const char c : extension) {
+        const auto byte = static_cast<unsigned char>(c);
+        key = key << 8U | ((byte >= 'A' && byte <= 'Z') ? byte + ('a' - 'A') : byte);
+    }
+    return key;
+}
+
+const std::vector<ExtensionKey>& extensionKeys() {
+    static const std::vector<ExtensionKey> keys = [] {
+        std::vector<ExtensionKey> list;
+        for (const ExtensionRule& rule : extensionRules()) {
+            for (const std::string_view extension : rule.extensions) {
+                list.push_back({*packedExtension(extension), rule.category});
+            }
+        }
+        std::stable_sort(
+            list.begin(), list.end(),
+            [](const ExtensionKey& a, const ExtensionKey& b) { return a.key < b.key; });
+        list.erase(std::unique(
+                       list.begin(), list.end(),
+                       [](const ExtensionKey& a, const ExtensionKey& b) { return a.key == b.key; }),
+                   list.end());
+        return list;
+    }();
+    return keys;
+}
+
+FileCategory categoryOfExtension(std::string_view extension) {
+    const std::optional<std::uint64_t> key = packedExtension(extension);
+    if (extension.empty() || !key) {
+        return FileCategory::other;
+    }
+    const std::vector<ExtensionKey>& keys = extensionKeys();
+    const auto found = std::lower_bound(
+        keys.begin(), keys.end(), *key,
+        [](const ExtensionKey& entry, std::uint64_t wanted) { return entry.key < wanted; });
+    return found != keys.end() && found->key == *key ? found->category : FileCategory::other;
+}
+
 const CategoryInfo& info(FileCategory category) {
     return kInfo[static_cast<std::size_t>(category)];
 }
@@ -75,17 +133,7 @@ FileCategory categoryFrom(std::string_view path, bool isDirectory) {
         }
         return FileCategory::other;
     }
-    const std::string extension = asciiLower(pathExtension(path));
-    if (extension.empty()) {
-        return FileCategory::other;
-    }
-    for (const ExtensionRule& rule : extensionRules()) {
-        if (std::find(rule.extensions.begin(), rule.extensions.end(), extension) !=
-            rule.extensions.end()) {
-            return rule.category;
-        }
-    }
-    return FileCategory::other;
+    return categoryOfExtension(pathExtension(path));
 }
 
 std::string_view displayName(FileCategory category) {

@@ -48,6 +48,32 @@ FileItem FileItem::parent() const {
     return {m_tree, m_node->parent};
 }
 
+FileCategory FileItem::dominantCategory() const {
+    const CategoryBytes* bytes = m_node->categoryBytes();
+    if (bytes == nullptr) {
+        return m_node->category;
+    }
+    FileCategory best = m_node->category;
+    std::int64_t most = 0;
+    for (const FileCategory category : kAllFileCategories) {
+        const std::int64_t held = bytes->size[static_cast<std::size_t>(category)];
+        if (held > most) {
+            most = held;
+            best = category;
+        }
+    }
+    return best;
+}
+
+std::array<std::int64_t, kAllFileCategories.size()> FileItem::categoryBreakdown() const {
+    if (const CategoryBytes* bytes = m_node->categoryBytes()) {
+        return bytes->size;
+    }
+    std::array<std::int64_t, kAllFileCategories.size()> sums{};
+    sums[static_cast<std::size_t>(m_node->category)] = m_node->size;
+    return sums;
+}
+
 std::string FileItem::formattedSize() const {
     return formatBytes(m_node->size);
 }
@@ -86,6 +112,7 @@ bool FileItem::removeFromParent() const {
     m_node->flags |= FileNode::kDetached;
     up->size -= m_node->size;
     up->otherSize -= m_node->otherSize;
+    m_node->addTo(*up->categoryBytes(), -1);
     m_tree->noteDetached(m_node, true);
     return true;
 }
@@ -105,6 +132,7 @@ bool FileItem::reattachToParent() const {
     m_node->flags = static_cast<std::uint8_t>(m_node->flags & ~FileNode::kDetached);
     up->size += m_node->size;
     up->otherSize += m_node->otherSize;
+    m_node->addTo(*up->categoryBytes());
     m_tree->noteDetached(m_node, false);
     return true;
 }

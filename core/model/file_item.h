@@ -17,6 +17,7 @@
 #include "core/model/file_tree.h"
 #include "core/model/reclaimable_status.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -54,6 +55,13 @@ public:
     std::int64_t size() const { return m_node->size; }
     std::int64_t fileCount() const { return m_node->fileCount; }
     FileCategory category() const { return m_node->category; }
+    /// The category a visualisation colours the item with: for a folder the one that holds most
+    /// of its subtree's bytes in the tree's measure (the first in display order on a tie), its
+    /// own category when it holds no bytes; for a file or bundle its category.
+    FileCategory dominantCategory() const;
+    /// Bytes of the item's whole subtree per category (indexed by FileCategory) in the tree's
+    /// measure: a folder's CategoryBytes, a file's size under its own category.
+    std::array<std::int64_t, kAllFileCategories.size()> categoryBreakdown() const;
     /// Number of direct children.
     std::size_t childCount() const { return m_node->childCount; }
     /// Direct children, largest first.

@@ -23,7 +23,9 @@ std::atomic<std::uint64_t> g_nextTreeSerial{1};
 FileNode* NodeArena::create(std::string_view name, bool isDirectory, std::int64_t size,
                             std::int64_t fileCount, FileCategory category) {
     const std::size_t nameLength = std::min<std::size_t>(name.size(), 0xFFFF);
-    const std::size_t bytes = alignedSize(sizeof(FileNode) + nameLength);
+    static_assert(alignof(CategoryBytes) <= kAlign && sizeof(CategoryBytes) % kAlign == 0);
+    const std::size_t bytes =
+        alignedSize(sizeof(FileNode) + nameLength) + (isDirectory ? sizeof(CategoryBytes) : 0);
     if (bytes > m_left) {
         const std::size_t chunk = std::max(kChunkBytes, bytes);
         // operator new[] for std::byte returns memory aligned for any fundamental type.
@@ -42,6 +44,9 @@ FileNode* NodeArena::create(std::string_view name, bool isDirectory, std::int64_
     if (nameLength > 0) {
         std::memcpy(node + 1, name.data(), nameLength);
     }
+    if (isDirectory) {
+        new (node->categoryBytes()) CategoryBytes{};
+    }
     m_cursor += bytes;
     m_left -= bytes;
     m_used += bytes;
@@ -58,6 +63,17 @@ void setChildren(FileNode* parent, std::span<FileNode* const> children) {
     }
     parent->firstChild = next;
     parent->childCount = static_cast<std::uint32_t>(children.size());
+}
+
+void sumCategoryBytes(FileNode* folder) {
+    if (folder->firstChild == nullptr) {
+        return;
+    }
+    CategoryBytes sum;
+    for (const FileNode* child = folder->firstChild; child != nullptr; child = child->nextSibling) {
+        child->addTo(sum);
+    }
+    *folder->categoryBytes() = sum;
 }
 
 void sortBySizeDescending(std::vector<FileNode*>& nodes) {
@@ -82,6 +98,9 @@ void FileTree::setMeasure(SizeMeasure measure) {
         FileNode* node = stack.back();
         stack.pop_back();
         std::swap(node->size, node->otherSize);
+        if (CategoryBytes* bytes = node->categoryBytes()) {
+            std::swap(bytes->size, bytes->otherSize);
+        }
         if (node->firstChild == nullptr) {
             continue;
         }

@@ -2,10 +2,12 @@
 // Compact storage for the scanned size tree.
 //
 // A tree holds millions of nodes, so a node is a fixed 56-byte header followed by its name
-// bytes, allocated from chunked arenas. A node stores no path: its location is derived from the
-// parent chain and the tree's root path. Children are a singly linked list in display order
-// (largest first after sorting). Nodes are never freed one by one; the whole tree is released
-// with its last owner (see FileItem, which holds the tree through a shared_ptr).
+// bytes, allocated from chunked arenas. A folder node also carries the bytes of its whole
+// subtree per category (CategoryBytes, 144 bytes after the name); files carry nothing more. A node
+// stores no path: its location is derived from the parent chain and the tree's root path. Children
+// are a singly linked list in display order (largest first after sorting). Nodes are never freed
+// one by one; the whole tree is released with its last owner (see FileItem, which holds the tree
+// through a shared_ptr).
 //
 // Threading: an arena is used by one thread at a time. A scan gives every worker its own arena
 // and hands them all to the FileTree when it finishes; after that the tree is touched on one
@@ -13,6 +15,7 @@
 
 #include "core/model/file_category.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -27,6 +30,28 @@ namespace sondrel {
 enum class SizeMeasure : std::uint8_t {
     allocated, ///< bytes on disk: allocated blocks (`st_blocks * 512`), as `du` counts
     apparent,  ///< apparent length (`st_size`), as `du --apparent-size` counts
+};
+
+/// Bytes of a folder's whole subtree per FileCategory (indexed by the enum's value), in both
+/// measures, counting every file below it, also those below the tree's depth limit. A folder's
+/// entries add up to its size when its builder filled them (the scanner does; a hand-built
+/// folder keeps zeros).
+struct CategoryBytes {
+    std::array<std::int64_t, kAllFileCategories.size()> size{};      ///< in the tree's measure
+    std::array<std::int64_t, kAllFileCategories.size()> otherSize{}; ///< in the other measure
+
+    /// Adds (sign 1) or takes off (sign -1) a file of `category` with the given sizes.
+    void add(FileCategory category, std::int64_t bytes, std::int64_t otherBytes, int sign = 1) {
+        size[static_cast<std::size_t>(category)] += sign * bytes;
+        otherSize[static_cast<std::size_t>(category)] += sign * otherBytes;
+    }
+    /// Adds (sign 1) or takes off (sign -1) all of `other`'s entries.
+    void add(const CategoryBytes& other, int sign = 1) {
+        for (std::size_t i = 0; i < size.size(); ++i) {
+            size[i] += sign * other.size[i];
+            otherSize[i] += sign * other.otherSize[i];
+        }
+    }
 };
 
 /// One node of the size tree. Created only by NodeArena; the name bytes follow the header.
@@ -54,6 +79,30 @@ struct FileNode {
     bool isDirectory() const { return (flags & kDirectory) != 0; }
     /// True once the node was removed from its parent's child list.
     bool isDetached() const { return (flags & kDetached) != 0; }
+    /// A folder's subtree bytes per category (stored after the name); null for files and
+    /// bundles.
+    CategoryBytes* categoryBytes() {
+        return isDirectory() ? reinterpret_cast<CategoryBytes*>(categoryBytesAddress()) : nullptr;
+    }
+    const CategoryBytes* categoryBytes() const {
+        return const_cast<FileNode*>(this)->categoryBytes();
+    }
+    /// Adds (sign 1) or takes off (sign -1) what this node holds to `bytes`: a folder its
+    /// CategoryBytes, a file or bundle its sizes under its own category.
+    void addTo(CategoryBytes& bytes, int sign = 1) const {
+        if (const CategoryBytes* own = categoryBytes()) {
+            bytes.add(*own, sign);
+        } else {
+            bytes.add(category, size, otherSize, sign);
+        }
+    }
+
+private:
+    std::byte* categoryBytesAddress() {
+        const auto end = reinterpret_cast<std::uintptr_t>(this + 1) + nameLength;
+        constexpr std::uintptr_t kAlign = alignof(CategoryBytes);
+        return reinterpret_cast<std::byte*>((end + kAlign - 1) & ~(kAlign - 1));
+    }
 };
 
 static_assert(sizeof(FileNode) == 56, "FileNode header must stay compact");
@@ -69,9 +118,9 @@ public:
     ~NodeArena() = default;
 
     /// Creates a node with no parent and no children. Names longer than 65535 bytes are cut
-    /// (no file system allows such names). `otherSize` starts equal to `size`, so a builder
-    /// that knows one measure only gives the same figures in both. The node lives as long as
-    /// the arena's memory.
+    /// (no file system allows such names). A folder gets zeroed CategoryBytes. `otherSize` starts
+    /// equal to `size`, so a builder that knows one measure only gives the same figures in both.
+    /// The node lives as long as the arena's memory.
     FileNode* create(std::string_view name, bool isDirectory, std::int64_t size = 0,
                      std::int64_t fileCount = 1, FileCategory category = FileCategory::other);
 
@@ -95,6 +144,11 @@ private:
 /// Links `children` under `parent` in the given order, replacing any previous child list, and
 /// sets each child's `parent`. Does not change sizes.
 void setChildren(FileNode* parent, std::span<FileNode* const> children);
+
+/// Sets the CategoryBytes of `folder` (which must have some) to the sum of what its children
+/// hold (see FileNode::addTo); a child folder's own CategoryBytes must be settled first. A
+/// childless folder keeps its entries (a collapsed folder's are filled by its builder).
+void sumCategoryBytes(FileNode* folder);
 
 /// Stable sort of `nodes` by size, largest first (equal sizes keep their order).
 void sortBySizeDescending(std::vector<FileNode*>& nodes);
@@ -126,9 +180,9 @@ public:
     SizeMeasure measure() const { return m_measure; }
     /// Records which measure the builder put in `size`, changing no node. Before sharing.
     void declareMeasure(SizeMeasure measure) { m_measure = measure; }
-    /// Makes `size` hold `measure`: swaps the two sizes of every node, detached ones included,
-    /// and re-sorts every child list largest first. No effect when it already does. O(nodes);
-    /// on the thread that owns the tree.
+    /// Makes `size` hold `measure`: swaps the two sizes of every node (and of every folder's
+    /// CategoryBytes), detached ones included, and re-sorts every child list largest first. No
+    /// effect when it already does. O(nodes); on the thread that owns the tree.
     void setMeasure(SizeMeasure measure);
     /// Bookkeeping of FileItem::removeFromParent/reattachToParent, so that setMeasure also
     /// reaches nodes outside the child lists.

@@ -49,6 +49,9 @@ std::int64_t keepBytesAtOneLink(std::vector<LinkSighting>& all) {
                 if (i != keep) {
                     all[i].holder->size -= all[i].size;
                     all[i].holder->otherSize -= all[i].otherSize;
+                    if (CategoryBytes* bytes = all[i].holder->categoryBytes()) {
+                        bytes->add(all[i].category, all[i].size, all[i].otherSize, -1);
+                    }
                     reported += all[i].size * all[i].reports;
                 }
             }

@@ -19,12 +19,14 @@ struct LinkSighting {
     std::int64_t size;
     std::int64_t otherSize; ///< the same in the tree's other measure
     int reports;
+    FileCategory category; ///< the file's category, taken off a collapsed holder's bytes
 };
 
 /// Keeps the bytes of each (device, inode) at the sighting whose holder has the smallest path
 /// below the root (so every scan picks the same one) and subtracts them from the other
-/// holders' sizes. Returns the bytes to take off the progress counter (a sighting inside a
-/// bundle was reported three times). Reorders `sightings`. Single-threaded, after the walk.
+/// holders' sizes (and, for a collapsed folder, from its bytes of the file's category). Returns the
+/// bytes to take off the progress counter (a sighting inside a bundle was reported three times).
+/// Reorders `sightings`. Single-threaded, after the walk.
 std::int64_t keepBytesAtOneLink(std::vector<LinkSighting>& sightings);
 
 } // namespace sondrel

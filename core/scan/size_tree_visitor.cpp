@@ -105,7 +105,6 @@ bool SizeTreeVisitor::fileFound(WalkWorker& worker, const WalkEntry& entry, void
 
 void SizeTreeVisitor::fileStat(WalkWorker& worker, FolderToken parent, void* slot,
                                std::string_view name, const struct stat* info) {
-    (void)name;
     WorkerState& state = m_workers[worker.index()];
     const bool regular = info != nullptr && S_ISREG(info->st_mode);
     const bool counted = info != nullptr && !S_ISDIR(info->st_mode) && !S_ISLNK(info->st_mode);
@@ -120,7 +119,8 @@ void SizeTreeVisitor::fileStat(WalkWorker& worker, FolderToken parent, void* slo
         file->otherSize = other;
         if (regular && info->st_nlink > 1) {
             state.links.push_back({static_cast<std::uint64_t>(info->st_dev),
-                                   static_cast<std::uint64_t>(info->st_ino), file, size, other, 1});
+                                   static_cast<std::uint64_t>(info->st_ino), file, size, other, 1,
+                                   file->category});
         }
         worker.report(1, size);
         return;
@@ -131,11 +131,16 @@ void SizeTreeVisitor::fileStat(WalkWorker& worker, FolderToken parent, void* slo
     state.pendingBytes += size;
     state.pendingOther += other;
     ++state.pendingFiles;
+    const bool bundle = parent.tag == kBundle || parent.tag == kInsideBundle;
+    // A collapsed folder still knows its bytes per category; a bundle is one application.
+    const FileCategory category = bundle ? FileCategory::application : categoryFrom(name, false);
+    if (!bundle) {
+        state.pendingCategories.add(category, size, other);
+    }
     if (info->st_nlink > 1) {
-        const bool bundle = parent.tag == kBundle || parent.tag == kInsideBundle;
         state.links.push_back({static_cast<std::uint64_t>(info->st_dev),
                                static_cast<std::uint64_t>(info->st_ino), nodeOf(parent), size,
-                               other, bundle ? 3 : 1});
+                               other, bundle ? 3 : 1, category});
     }
 }
 
@@ -149,6 +154,16 @@ void SizeTreeVisitor::statBatchDone(WalkWorker& worker, FolderToken folder) {
     std::atomic_ref<std::int64_t>(leaf->otherSize).fetch_add(state.pendingOther);
     if (folder.tag == kLeaf || folder.tag == kInsideLeaf) {
         std::atomic_ref<std::int64_t>(leaf->fileCount).fetch_add(state.pendingFiles);
+        CategoryBytes& pending = state.pendingCategories;
+        CategoryBytes& bytes = *leaf->categoryBytes();
+        for (std::size_t i = 0; i < pending.size.size(); ++i) {
+            if (pending.size[i] != 0 || pending.otherSize[i] != 0) {
+                std::atomic_ref<std::int64_t>(bytes.size[i]).fetch_add(pending.size[i]);
+                std::atomic_ref<std::int64_t>(bytes.otherSize[i]).fetch_add(pending.otherSize[i]);
+                pending.size[i] = 0;
+                pending.otherSize[i] = 0;
+            }
+        }
         worker.report(0, state.pendingBytes);
     } else {
         worker.report(0, 3 * state.pendingBytes); // a bundle is reported three times
@@ -225,6 +240,7 @@ std::int64_t SizeTreeVisitor::finish(FileTree& tree) {
         std::reverse(children.begin(), children.end()); // back to listing order
         sortBySizeDescending(children);
         setChildren(node, children);
+        sumCategoryBytes(node);
         node->size = size;
         node->otherSize = other;
         node->fileCount = files;

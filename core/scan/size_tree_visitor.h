@@ -28,10 +28,10 @@ public:
     FolderToken rootToken() const;
 
     /// After the walk: keeps each multiply-linked file's bytes at one link, drops folders that
-    /// could not be opened and entries that were never measured (a cancelled walk), sums sizes
-    /// and counts bottom-up and sorts every child list largest first (equal sizes in listing
-    /// order). Moves the nodes into `tree` and sets its root. Returns the bytes to take off the
-    /// progress counter for the links counted more than once.
+    /// could not be opened and entries that were never measured (a cancelled walk), sums sizes,
+    /// counts and bytes per category bottom-up and sorts every child list largest first (equal
+    /// sizes in listing order). Moves the nodes into `tree` and sets its root. Returns the bytes to
+    /// take off the progress counter for the links counted more than once.
     std::int64_t finish(FileTree& tree);
 
     void prepare(unsigned workers) override;
@@ -48,6 +48,7 @@ private:
         std::int64_t pendingBytes = 0; // regular files of a collapsed folder or bundle
         std::int64_t pendingOther = 0; // the same in the other measure
         std::int64_t pendingFiles = 0;
+        CategoryBytes pendingCategories; // the pending bytes of a collapsed folder by category
         std::vector<LinkSighting> links;
     };
 

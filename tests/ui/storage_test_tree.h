@@ -30,6 +30,9 @@ inline FileItem makeStorageTestTree() {
         }
         n->fileCount = files;
         setChildren(n, children);
+        if (dir) {
+            sumCategoryBytes(n);
+        }
         return n;
     };
     FileNode* videos = node("Videos", true, 40'000'000, FileCategory::video,

@@ -58,7 +58,8 @@ void TreemapCanvasView::computeShapes(const std::vector<FileItem>& items, QSizeF
     const QFontMetricsF detailMetrics(detailFont);
     for (const TreemapNode& node : m_nodes) {
         const FileItem& item = m_items[node.index];
-        Tile tile{{}, {}, toQColor(color(item.category())), item.category()};
+        // A folder takes the colour of what fills it; its icon still says it is a folder.
+        Tile tile{{}, {}, toQColor(color(item.dominantCategory())), item.category()};
         // Texts are elided and laid out here once; painting only draws the prepared glyphs.
         const double textWidth = node.rect.width - 2 * (kTileInset + kTextPadding);
         if (node.rect.width > kNameMinWidth && node.rect.height > kNameMinHeight) {

@@ -1,6 +1,7 @@
 #pragma once
 // TreemapCanvasView: the squarified treemap of the viewed folder's children. Each tile is a
-// rounded rectangle in its category's colour (a gradient), with the name when the tile is wider
+// rounded rectangle in its category's colour (a gradient; a folder's is the category holding most
+// of its subtree's bytes), with the name when the tile is wider
 // than 50 and taller than 35 points and the size and share when it is wider than 80 and taller
 // than 55. Tiles are laid out only when the size, the folder or the threshold changes.
 

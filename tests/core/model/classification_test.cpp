@@ -46,6 +46,14 @@ TEST(CategoryFrom, FolderAndFileRules) {
         {"/Users/a/vector.svg", false, FileCategory::image},
         {"/Users/a/main.rs", false, FileCategory::developer},
         {"/weird.dir/noext", false, FileCategory::other},
+        // Near misses of listed extensions: a prefix, one letter more, far too long, not ASCII.
+        {"/a/clip.mp", false, FileCategory::other},
+        {"/a/sheet.numbersx", false, FileCategory::other},
+        {"/a/sheet.NUMBERS", false, FileCategory::document},
+        {"/a/x.averyveryverylongextension", false, FileCategory::other},
+        {"/a/x.p\xc3\xa9"
+         "f",
+         false, FileCategory::other},
     };
     for (const CategoryCase& c : cases) {
         EXPECT_EQ(categoryFrom(c.path, c.isDirectory), c.expected)

@@ -47,8 +47,27 @@ inline std::string describe(const FileItem& item) {
     return text;
 }
 
-// Every folder's size and count equal the sums of its children's, and children are sorted.
+// A folder's bytes per category add up to its size in both measures.
+inline void expectCategoriesAddUp(const FileItem& item) {
+    const CategoryBytes* bytes = item.node()->categoryBytes();
+    if (bytes == nullptr) {
+        return;
+    }
+    std::int64_t size = 0;
+    std::int64_t other = 0;
+    for (std::size_t i = 0; i < bytes->size.size(); ++i) {
+        EXPECT_GE(bytes->size[i], 0) << item.url();
+        size += bytes->size[i];
+        other += bytes->otherSize[i];
+    }
+    EXPECT_EQ(size, item.size()) << item.url();
+    EXPECT_EQ(other, item.node()->otherSize) << item.url();
+}
+
+// Every folder's size and count equal the sums of its children's, children are sorted, and
+// every folder's bytes per category add up to its sizes.
 inline void expectConsistent(const FileItem& item) {
+    expectCategoriesAddUp(item);
     if (item.childCount() == 0) {
         return;
     }
