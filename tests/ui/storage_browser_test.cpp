@@ -409,9 +409,7 @@ private slots:
         QVERIFY(!canvas->isTargetedForDrop());
     }
 
-    // Writes treemap.png and rings.png of a real scanned folder into the folder named by
-    // SONDREL_SCREENSHOT_DIR (skipped when unset); SONDREL_SCREENSHOT_SOURCE names the folder
-    // to scan (default /usr/share). Only reads the scanned folder.
+    // Hovering a tile names it, its size and its share; the measure switch flips the navigator.
     void treemapReadoutNamesTheHoveredTileAndSizesSwitch() {
         TreemapCanvasView* canvas = showTreemap();
         QVERIFY(canvas != nullptr);
@@ -429,6 +427,9 @@ private slots:
         QVERIFY(!m_navigator->apparentSize());
     }
 
+    // Writes treemap.png, treemap-breakdown.png and rings.png of a real scanned folder into the
+    // folder named by SONDREL_SCREENSHOT_DIR (skipped when unset); SONDREL_SCREENSHOT_SOURCE
+    // names the folder to scan (default /usr/share). Only reads the scanned folder.
     void screenshotsOfAScannedFolder() {
         const QString out = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
         if (out.isEmpty()) {
@@ -449,8 +450,10 @@ private slots:
         QTest::mouseMove(m_view.get(), scenePoint(treemap, treemap->filteredItems()[1]));
         QTest::qWait(400);
         QVERIFY(m_view->grabWindow().save(out + "/treemap.png"));
-
         m_navigator->clearSelection();
+        QTest::qWait(200);
+        QVERIFY(m_view->grabWindow().save(out + "/treemap-breakdown.png"));
+
         m_navigator->setVisualizerMode(0);
         auto* rings = find<ColorRingsCanvasView>("ringsCanvas");
         QVERIFY(rings != nullptr);
