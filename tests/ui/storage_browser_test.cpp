@@ -16,8 +16,10 @@
 #include <QMimeData>
 #include <QQmlEngine>
 #include <QQmlExtensionPlugin>
+#include <QQmlProperty>
 #include <QQuickImageProvider>
 #include <QQuickItem>
+#include <QQuickStyle>
 #include <QQuickView>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -27,6 +29,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 Q_IMPORT_QML_PLUGIN(SondrelPlugin)
@@ -109,13 +112,8 @@ private:
         return canvas;
     }
 
-private slots:
-    void init() {
-        QTest::failOnWarning(sondrel::test::anyWarning());
-        m_navigator = std::make_unique<StorageNavigator>();
-        m_theme = std::make_unique<TestTheme>();
-        m_root = makeStorageTestTree();
-        m_navigator->setRoot(m_root);
+    // A new window with the browser over the navigator, shown and exposed.
+    void showView() {
         m_view = std::make_unique<QQuickView>();
         m_view->engine()->addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
         m_view->setInitialProperties({
@@ -129,6 +127,19 @@ private slots:
         QCOMPARE(m_view->status(), QQuickView::Ready);
         m_view->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+    }
+
+private slots:
+    // The app's style, which paints menus from the palette of the window they open in.
+    void initTestCase() { QQuickStyle::setStyle(QStringLiteral("Basic")); }
+
+    void init() {
+        QTest::failOnWarning(sondrel::test::anyWarning());
+        m_navigator = std::make_unique<StorageNavigator>();
+        m_theme = std::make_unique<TestTheme>();
+        m_root = makeStorageTestTree();
+        m_navigator->setRoot(m_root);
+        showView();
     }
 
     void cleanup() {
@@ -407,6 +418,75 @@ private slots:
         QCOMPARE(dropped.count(), 1);
         QCOMPARE(dropped.front().front().toString(), folder.path());
         QVERIFY(!canvas->isTargetedForDrop());
+    }
+
+    // Twelve folders deep, the breadcrumb folds its middle into an ellipsis whose menu lists
+    // them, and the viewed folder stays whole and clear of the switches beside the bar.
+    void deepBreadcrumbKeepsTheViewedFolderInSight() {
+        // Drawn as in the app, whose window gives its menus the theme's colours.
+        const QColor background = m_theme->property("background").value<QColor>();
+        const QColor card = m_theme->property("cardBackground").value<QColor>();
+        const QColor text = m_theme->property("textPrimary").value<QColor>();
+        m_view->setColor(background);
+        QObject* browser = m_view->rootObject();
+        for (const auto& [role, colour] : {std::pair{"window", card},
+                                           {"windowText", text},
+                                           {"base", card},
+                                           {"text", text},
+                                           {"light", card.lighter(140)},
+                                           {"midlight", card.lighter(120)}}) {
+            QVERIFY(QQmlProperty::write(browser, QStringLiteral("palette.") + role, colour));
+        }
+        auto tree = std::make_shared<FileTree>("/scan/home");
+        NodeArena& arena = tree->arena();
+        FileNode* folder = arena.create("Final Deliverables", true, 0, 0, FileCategory::other);
+        FileNode* file = arena.create("cut.mp4", false, 5'000'000, 1, FileCategory::video);
+        setChildren(folder, std::vector<FileNode*>{file});
+        for (int level = 11; level >= 0; --level) {
+            FileNode* up =
+                arena.create(level == 0 ? "home" : "Project level " + std::to_string(level), true,
+                             0, 0, FileCategory::other);
+            setChildren(up, std::vector<FileNode*>{folder});
+            folder = up;
+        }
+        for (FileNode* node = file->parent; node != nullptr; node = node->parent) {
+            node->size = 5'000'000;
+            node->otherSize = 5'000'000;
+            node->fileCount = 1;
+            sumCategoryBytes(node);
+        }
+        tree->setRoot(folder);
+        m_navigator->setRoot(FileItem::rootOf(tree));
+        FileItem deepest = FileItem::rootOf(tree);
+        while (deepest.children().front().isDirectory()) {
+            deepest = deepest.children().front();
+        }
+        m_navigator->setCurrentFolder(deepest);
+        QTest::qWait(50); // the breadcrumb's delegates are rebuilt for the new chain
+
+        auto* ellipsis = find<QQuickItem>("crumbEllipsis");
+        QVERIFY(ellipsis != nullptr);
+        auto* current = find<QQuickItem>("crumb Final Deliverables");
+        QVERIFY(current != nullptr);
+        QTRY_VERIFY(current->isVisible() && current->width() > 0);
+        auto* measureSwitch = find<QQuickItem>("measure Size on disk");
+        QVERIFY(measureSwitch != nullptr);
+        const qreal currentRight = current->mapToScene({current->width(), 0}).x();
+        QVERIFY2(currentRight <= measureSwitch->mapToScene({0, 0}).x(),
+                 "the viewed folder runs under the switches");
+        QVERIFY(find<QQuickItem>("crumb home") != nullptr);
+
+        click(ellipsis);
+        auto* menu = ellipsis->findChild<QObject*>("crumbEllipsisMenu");
+        QVERIFY(menu != nullptr);
+        QTRY_VERIFY(menu->property("opened").toBool());
+        const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            QTest::qWait(300);
+            QVERIFY(m_view->grabWindow().save(shots + "/breadcrumb-deep.png"));
+        }
+        QTest::keyClick(m_view.get(), Qt::Key_Escape);
+        QTRY_VERIFY(!menu->property("opened").toBool());
     }
 
     // Hovering a tile names it, its size and its share; the measure switch flips the navigator.
