@@ -61,6 +61,20 @@ QQuickItem* findItem(QQuickItem* root, const QString& name) {
     return nullptr;
 }
 
+// The first item under `root` (depth first) of the C++ class `className` or one derived from it.
+QQuickItem* findItemOfClass(QQuickItem* root, const char* className) {
+    if (root->inherits(className)) {
+        return root;
+    }
+    const QList<QQuickItem*> children = root->childItems();
+    for (QQuickItem* child : children) {
+        if (QQuickItem* found = findItemOfClass(child, className)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
 QQuickItem* findItem(QQuickWindow* window, const QString& name) {
     return findItem(window->contentItem(), name);
 }
@@ -321,6 +335,38 @@ private slots:
         QCOMPARE(m_window->color(), ocean);
         QVERIFY(findItem(oceanCard, QStringLiteral("checkMark"))->isVisible());
         m_root->themeManager()->setCurrentThemeName(QStringLiteral("Obsidian Dark"));
+    }
+
+    // The folder panel opens in the current theme with the folder it starts in; cancelling it
+    // starts no scan.
+    void folderChooserIsDrawnInTheTheme() {
+        m_root->themeManager()->setCurrentThemeName(QStringLiteral("Deep Ocean"));
+        m_root->setSelectedSection(NavigationSection::Storage);
+        QQuickItem* dialogs = findItem(m_window, QStringLiteral("scanTargetDialogs"));
+        QVERIFY(dialogs != nullptr);
+        QObject* panel = dialogs->findChild<QObject*>(QStringLiteral("customFolderDialog"));
+        QVERIFY(panel != nullptr);
+        QTRY_VERIFY(!m_root->diskScanner()->isScanning());
+        QSignalSpy scans(m_root->diskScanner(), &DiskScanner::isScanningChanged);
+        QVERIFY(QMetaObject::invokeMethod(dialogs, "chooseCustomFolder"));
+        QTRY_VERIFY(panel->property("visible").toBool());
+        // The path bar is drawn on the theme's panel colour, not on white: its light text reads.
+        QQuickItem* pathBar = nullptr;
+        QTRY_VERIFY((pathBar = findItemOfClass(m_window->contentItem(),
+                                               "QQuickFolderBreadcrumbBar")) != nullptr);
+        auto* pathBackground = pathBar->property("background").value<QQuickItem*>();
+        QVERIFY(pathBackground != nullptr);
+        QTRY_VERIFY(pathBackground->property("color").value<QColor>().lightnessF() < 0.3);
+        const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            QTest::qWait(500);
+            QVERIFY(m_window->grabWindow().save(shots + "/folder-chooser-deep-ocean.png"));
+        }
+        QVERIFY(QMetaObject::invokeMethod(panel, "reject"));
+        QTRY_VERIFY(!panel->property("visible").toBool());
+        QCOMPARE(scans.count(), 0);
+        m_root->themeManager()->setCurrentThemeName(QStringLiteral("Obsidian Dark"));
+        m_root->setSelectedSection(NavigationSection::SmartCare);
     }
 
     // Tab reaches the theme cards, the focused card shows its ring, Space picks it; Escape

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Dialogs
 import QtQuick.Layouts
+import Sondrel
 import "../components"
 
 // The folder panels and the permission dialog of the scan-target flow. Cancelling any of them
@@ -27,8 +28,17 @@ Item {
         }
     }
 
+    // The panels' path bar is repainted in the theme once the panel is shown.
+    function tintPathBar() {
+        DialogTint.tintPathBars(dialogs, Qt.tint(dialogs.theme.background,
+                                                 dialogs.theme.cardBackground),
+                                dialogs.theme.border, dialogs.theme.textSecondary)
+    }
+
     FolderDialog {
         id: customFolder
+        objectName: "customFolderDialog"
+        onVisibleChanged: if (visible) Qt.callLater(dialogs.tintPathBar)
         title: "Choose a Folder to Scan"
         acceptLabel: "Scopix Storage"
         currentFolder: dialogs.appRoot.fileUrl(dialogs.appRoot.selectedTargetFolder)
@@ -38,6 +48,7 @@ Item {
 
     FolderDialog {
         id: grantFolder
+        onVisibleChanged: if (visible) Qt.callLater(dialogs.tintPathBar)
         title: dialogs.appRoot.grantPanelMessage(dialogs.permissionName)
         acceptLabel: "Grant Access"
         currentFolder: dialogs.appRoot.fileUrl(dialogs.permissionPath)

@@ -73,6 +73,7 @@ Rectangle {
 
     ScanTargetDialogs {
         id: dialogs
+        objectName: "scanTargetDialogs"
         appRoot: page.appRoot
         theme: page.theme
     }
