@@ -435,6 +435,22 @@ private slots:
         m_root->themeManager()->setCurrentThemeName(QStringLiteral("Obsidian Dark"));
     }
 
+    // Ctrl+W closes the window the way its close button does (the app runs on when a tray
+    // keeps it; here nothing quits, as with a tray); the tray's first item brings it back.
+    void ctrlWClosesTheWindowAndTheTrayBringsItBack() {
+        QGuiApplication::setQuitOnLastWindowClosed(false);
+        m_window->requestActivate();
+        QTest::keyClick(m_window, Qt::Key_W, Qt::ControlModifier);
+        QTRY_VERIFY(!m_window->isVisible());
+        TrayIcon tray(m_actions.get());
+        if (QGuiApplication::platformName() == QStringLiteral("offscreen")) {
+            QTest::ignoreMessage(QtWarningMsg, "This plugin does not support raise()");
+        }
+        tray.menu()->actions().front()->trigger();
+        QTRY_VERIFY(m_window->isVisible());
+        QGuiApplication::setQuitOnLastWindowClosed(true);
+    }
+
     // The tray menu: no lost '&', and "Open Storage Scopix" opens the storage section.
     void trayMenuOpensTheStorageSection() {
         TrayIcon tray(m_actions.get());

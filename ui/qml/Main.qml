@@ -134,6 +134,14 @@ ApplicationWindow {
         }
     }
 
+    // Ctrl+W closes the window as its title bar's close button does: into the tray when one is
+    // shown, otherwise quitting.
+    Shortcut {
+        sequences: [StandardKey.Close]
+        context: Qt.ApplicationShortcut
+        onActivated: window.close()
+    }
+
     Shortcut {
         sequence: StandardKey.Quit
         context: Qt.ApplicationShortcut
