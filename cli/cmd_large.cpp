@@ -6,6 +6,7 @@
 // early and prints what was found so far.
 
 #include "cli/command_registry.h"
+#include "cli/interrupt_scope.h"
 #include "core/model/byte_format.h"
 #include "core/search/large_file_filter.h"
 #include "core/search/large_file_search.h"
@@ -17,7 +18,6 @@
 
 #include <cerrno>
 #include <clocale>
-#include <csignal>
 #include <cstring>
 #include <ctime>
 #include <mutex>
@@ -27,14 +27,6 @@
 namespace sondrel::cli {
 
 namespace {
-
-CancelToken* g_interrupt = nullptr;
-
-extern "C" void onLargeSearchInterrupt(int /*signal*/) {
-    if (g_interrupt != nullptr) {
-        g_interrupt->cancel(); // a lock-free atomic store: safe in a signal handler
-    }
-}
 
 // "123", "100K", "100M", "1.5G", "2T" (binary units, as the page's size menu; an optional "B"
 // or "iB" after the unit).
@@ -200,11 +192,10 @@ int runLarge(CommandContext& context) {
     }
 
     CancelToken cancel;
-    g_interrupt = &cancel;
-    const auto previous = std::signal(SIGINT, onLargeSearchInterrupt);
-    LargeSearchResult result = searchLargeFiles(roots, options, cancel);
-    std::signal(SIGINT, previous);
-    g_interrupt = nullptr;
+    const LargeSearchResult result = [&] {
+        InterruptScope interrupt(cancel);
+        return searchLargeFiles(roots, options, cancel);
+    }();
     if (context.stderrIsTerminal) {
         context.err << "\r\033[K" << std::flush;
     }

@@ -6,6 +6,7 @@
 // terminal. Ctrl-C ends the walk early and prints what was read so far.
 
 #include "cli/command_registry.h"
+#include "cli/interrupt_scope.h"
 #include "core/model/byte_format.h"
 #include "core/scan/scan_texts.h"
 #include "core/scan/tree_export.h"
@@ -13,7 +14,6 @@
 #include "core/util/text_escape.h"
 
 #include <cerrno>
-#include <csignal>
 #include <ctime>
 #include <fstream>
 #include <mutex>
@@ -25,14 +25,6 @@ namespace sondrel::cli {
 namespace {
 
 constexpr std::size_t kLargestShown = 20;
-
-CancelToken* g_interrupt = nullptr;
-
-extern "C" void onInterrupt(int /*signal*/) {
-    if (g_interrupt != nullptr) {
-        g_interrupt->cancel(); // a lock-free atomic store: safe in a signal handler
-    }
-}
 
 void printSummary(std::ostream& out, const ScanResult& result) {
     out << scanSummaryText(result.items, result.bytes, result.elapsedSeconds) << '\n';
@@ -80,11 +72,10 @@ int runScan(CommandContext& context) {
     }
 
     CancelToken cancel;
-    g_interrupt = &cancel;
-    const auto previous = std::signal(SIGINT, onInterrupt);
-    const ScanResult result = scanTree(target, options, cancel);
-    std::signal(SIGINT, previous);
-    g_interrupt = nullptr;
+    const ScanResult result = [&] {
+        InterruptScope interrupt(cancel);
+        return scanTree(target, options, cancel);
+    }();
     if (context.stderrIsTerminal) {
         context.err << "\r\033[K" << std::flush;
     }
