@@ -192,7 +192,7 @@ int runLarge(CommandContext& context) {
     }
 
     CancelToken cancel;
-    const LargeSearchResult result = [&] {
+    LargeSearchResult result = [&] {
         InterruptScope interrupt(cancel);
         return searchLargeFiles(roots, options, cancel);
     }();
