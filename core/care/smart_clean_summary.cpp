@@ -26,22 +26,6 @@ std::optional<CareCategory> careCategoryFromKey(std::string_view key) {
     return std::nullopt;
 }
 
-std::optional<CareCategory> careCategoryForJunkGroup(std::string_view groupType) {
-    if (groupType == "xcode") {
-        return CareCategory::developerCaches;
-    }
-    if (groupType == "userCaches") {
-        return CareCategory::appCaches;
-    }
-    if (groupType == "logs") {
-        return CareCategory::logs;
-    }
-    if (groupType == "trash") {
-        return CareCategory::trash;
-    }
-    return std::nullopt;
-}
-
 std::int64_t saturatingAdd(std::int64_t a, std::int64_t b) {
     std::int64_t sum = 0;
     if (__builtin_add_overflow(a, b, &sum)) {

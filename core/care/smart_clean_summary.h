@@ -38,12 +38,6 @@ std::string_view careCategoryKey(CareCategory category);
 /// The category a command-line name means (the keys above; case-sensitive); nothing otherwise.
 std::optional<CareCategory> careCategoryFromKey(std::string_view key);
 
-/// The category that counts a junk group of type `groupType` ("xcode" -> developerCaches,
-/// "userCaches" -> appCaches, "logs" -> logs, "trash" -> trash). Dependency folders
-/// ("nodeModules") and anything else count in no category, so they never lower the score:
-/// they are shown on the junk cleaner's screen only.
-std::optional<CareCategory> careCategoryForJunkGroup(std::string_view groupType);
-
 /// Reclaimable bytes by category. Default: all zero. Pure value; safe on any thread.
 struct SmartCleanSummary {
     std::int64_t developerJunkBytes = 0;

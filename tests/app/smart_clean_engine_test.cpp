@@ -187,18 +187,20 @@ private slots:
     void dependencyFoldersDoNotLowerTheScore() {
         // The junk hook maps groups as the window's does: dependency folders count nowhere.
         struct Group {
-            const char* type;
+            JunkType type;
+            const char* name;
             std::int64_t size;
         };
-        const std::vector<Group> groups = {{"nodeModules", 80 * kGiB}, {"logs", 1000}};
+        const std::vector<Group> groups = {{JunkType::nodeModules, "nodeModules", 80 * kGiB},
+                                           {JunkType::logs, "logs", 1000}};
         FakeCollaborators fake;
         SmartCleanHooks hooks = fake.hooks();
         hooks.junkItems = [&groups] {
             std::vector<CareItem> items;
             for (const Group& group : groups) {
-                if (const auto category = careCategoryForJunkGroup(group.type)) {
+                if (const auto category = careCategoryOf(group.type)) {
                     items.push_back(
-                        {std::string("/h/") + group.type, group.size, *category, false});
+                        {std::string("/h/") + group.name, group.size, *category, false});
                 }
             }
             return items;

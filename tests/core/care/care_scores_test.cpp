@@ -2,6 +2,7 @@
 // and the summary's sums.
 
 #include "core/care/care_scores.h"
+#include "core/care/care_sources.h"
 #include "core/monitor/disk_stats.h"
 #include "core/monitor/memory_stats.h"
 
@@ -127,12 +128,12 @@ TEST(CareSummary, SumsAndSaturates) {
 }
 
 TEST(CareSummary, DependencyFoldersCountNowhere) {
-    EXPECT_EQ(careCategoryForJunkGroup("xcode"), CareCategory::developerCaches);
-    EXPECT_EQ(careCategoryForJunkGroup("userCaches"), CareCategory::appCaches);
-    EXPECT_EQ(careCategoryForJunkGroup("logs"), CareCategory::logs);
-    EXPECT_EQ(careCategoryForJunkGroup("trash"), CareCategory::trash);
-    EXPECT_EQ(careCategoryForJunkGroup("nodeModules"), std::nullopt);
-    EXPECT_EQ(careCategoryForJunkGroup("orphaned"), std::nullopt);
+    EXPECT_EQ(careCategoryOf(JunkType::xcode), CareCategory::developerCaches);
+    EXPECT_EQ(careCategoryOf(JunkType::userCaches), CareCategory::appCaches);
+    EXPECT_EQ(careCategoryOf(JunkType::logs), CareCategory::logs);
+    EXPECT_EQ(careCategoryOf(JunkType::trash), CareCategory::trash);
+    EXPECT_EQ(careCategoryOf(JunkType::nodeModules), std::nullopt);
+    EXPECT_EQ(careCategoryOf(JunkType::orphaned), std::nullopt);
     for (CareCategory category : kCareCategories) {
         EXPECT_EQ(careCategoryFromKey(careCategoryKey(category)), category);
     }
