@@ -7,7 +7,6 @@
 #include "core/duplicates/duplicate_trash.h"
 #include "core/model/byte_format.h"
 #include "core/model/platform_terms.h"
-#include "core/util/cancel_token.h"
 #include "platform/duplicate_folders.h"
 #include "platform/locations.h"
 
@@ -22,15 +21,16 @@ DuplicateScanner::DuplicateScanner(const Locations& locations, QObject* parent)
       m_model(new DuplicateGroupsModel(this)) {
     connect(m_model, &DuplicateGroupsModel::selectionChanged, this,
             &DuplicateScanner::selectionChanged);
+    // Whichever job ended (published, cancelled), the page is idle again.
+    connect(&m_job, &BackgroundJob::busyChanged, this, [this] {
+        if (!m_job.isBusy()) {
+            setScanning(false);
+            setTrashing(false);
+        }
+    });
 }
 
-DuplicateScanner::~DuplicateScanner() {
-    if (m_cancel) {
-        m_cancel->cancel();
-    }
-    ++m_generation;
-    joinWorker();
-}
+DuplicateScanner::~DuplicateScanner() = default;
 
 int DuplicateScanner::groupCount() const {
     return static_cast<int>(m_model->groups().size());
@@ -44,37 +44,7 @@ QString DuplicateScanner::totalWastedText() const {
     return QString::fromStdString(formatBytes(totalWastedSize(m_model->groups())));
 }
 
-void DuplicateScanner::joinWorker() {
-    if (m_worker.joinable()) {
-        m_worker.join();
-    }
-}
-
-void DuplicateScanner::postIfCurrent(std::uint64_t generation, std::function<void()> fn) {
-    QMetaObject::invokeMethod(
-        this,
-        [this, generation, fn = std::move(fn)] {
-            if (generation == m_generation) {
-                fn();
-            }
-        },
-        Qt::QueuedConnection);
-}
-
-bool DuplicateScanner::startJob(
-    std::function<void(std::uint64_t, const std::shared_ptr<CancelToken>&)> work) {
-    joinWorker(); // a cancelled worker stops at its next check
-    const std::uint64_t generation = ++m_generation;
-    m_cancel = std::make_shared<CancelToken>();
-    m_worker = std::thread(
-        [work = std::move(work), generation, cancel = m_cancel] { work(generation, cancel); });
-    return true;
-}
-
 bool DuplicateScanner::scan(const QStringList& folders) {
-    if (m_scanning || m_trashing) {
-        return false;
-    }
     std::vector<std::string> roots;
     for (const QString& folder : folders) {
         roots.push_back(toPathBytes(folder));
@@ -82,29 +52,35 @@ bool DuplicateScanner::scan(const QStringList& folders) {
     if (roots.empty()) {
         roots = defaultDuplicateFolders(*m_locations);
     }
-    setScanning(true);
-    setStatus(QString::fromUtf8(kDuplicateDiscoveringText));
-    return startJob(
-        [this, roots](std::uint64_t generation, const std::shared_ptr<CancelToken>& cancel) {
+    const bool started = m_job.start(
+        [this, roots](const JobContext& job) {
             DuplicateScanOptions options;
             options.folders = roots;
-            options.onProgress = [this, generation](const DuplicateScanProgress& progress) {
+            options.onProgress = [this, job](const DuplicateScanProgress& progress) {
                 if (progress.phase != DuplicateScanProgress::Phase::hashing) {
                     return;
                 }
                 const QString text = QString::fromStdString(
                     duplicateHashingText(progress.clustersDone, progress.clusterCount));
-                postIfCurrent(generation, [this, text] { setStatus(text); });
+                job.post([this, text] { setStatus(text); });
             };
-            auto result = std::make_shared<DuplicateScanResult>(findDuplicates(options, *cancel));
-            postIfCurrent(generation, [this, roots, result] {
-                m_scannedFolders = roots;
-                m_model->setGroups(std::move(result->groups));
-                setStatus(QString::fromStdString(duplicateFoundText(m_model->groups())));
-                setScanning(false);
-                emit scanFinished();
-            });
+            return findDuplicates(options, job.cancelToken());
+        },
+        [this, roots](DuplicateScanResult result) {
+            if (result.cancelled || m_scanStopped) {
+                return; // a stopped scan leaves the groups as they were
+            }
+            m_scannedFolders = roots;
+            m_model->setGroups(std::move(result.groups));
+            setStatus(QString::fromStdString(duplicateFoundText(m_model->groups())));
+            emit scanFinished();
         });
+    if (started) {
+        m_scanStopped = false;
+        setScanning(true);
+        setStatus(QString::fromUtf8(kDuplicateDiscoveringText));
+    }
+    return started;
 }
 
 bool DuplicateScanner::scanFolderUrl(const QUrl& folder) {
@@ -119,13 +95,10 @@ bool DuplicateScanner::scanFolderUrl(const QUrl& folder) {
 }
 
 void DuplicateScanner::cancel() {
-    if (!m_scanning || !m_cancel) {
-        return;
+    if (m_scanning && m_job.cancel()) {
+        m_scanStopped = true;
+        setStatus(QString());
     }
-    m_cancel->cancel();
-    ++m_generation; // drops whatever the cancelled scan still posts
-    setStatus(QString());
-    setScanning(false);
 }
 
 void DuplicateScanner::toggleFile(const QString& fileId) {
@@ -158,37 +131,39 @@ bool DuplicateScanner::trashSelected() {
 }
 
 bool DuplicateScanner::trashSelected(std::function<void(const QString&)> completion) {
-    if (m_scanning || m_trashing) {
+    if (m_job.isBusy()) {
         return false;
     }
     std::vector<DuplicateGroup> groups = m_model->groups();
     const RemovalContext context = RemovalContext::forUser(*m_locations, m_scannedFolders);
-    setTrashing(true);
-    return startJob([this, groups = std::move(groups), context,
-                     completion](std::uint64_t generation,
-                                 const std::shared_ptr<CancelToken>& cancel) mutable {
-        auto onProgress = [this, generation](std::size_t done, std::size_t total) {
-            const QString text = QStringLiteral("Trashing %1 of %2 copies...").arg(done).arg(total);
-            postIfCurrent(generation, [this, text] {
-                m_trashProgressText = text;
-                emit trashProgressTextChanged();
-            });
-        };
-        auto report = std::make_shared<DuplicateTrashReport>(
-            trashSelectedDuplicates(std::move(groups), context, *cancel, onProgress));
-        postIfCurrent(generation, [this, report, completion] {
+    const bool started = m_job.start(
+        [this, groups = std::move(groups), context](const JobContext& job) mutable {
+            auto onProgress = [this, job](std::size_t done, std::size_t total) {
+                const QString text =
+                    QStringLiteral("Trashing %1 of %2 copies...").arg(done).arg(total);
+                job.post([this, text] {
+                    m_trashProgressText = text;
+                    emit trashProgressTextChanged();
+                });
+            };
+            return trashSelectedDuplicates(std::move(groups), context, job.cancelToken(),
+                                           onProgress);
+        },
+        [this, completion](DuplicateTrashReport report) {
             const QString message = QString::fromStdString(
-                duplicateTrashResultText(report->moved, report->freed, report->failures.size()));
-            m_model->setGroups(std::move(report->remaining));
+                duplicateTrashResultText(report.moved, report.freed, report.failures.size()));
+            m_model->setGroups(std::move(report.remaining));
             m_trashProgressText.clear();
             emit trashProgressTextChanged();
-            setTrashing(false);
             if (completion) {
                 completion(message);
             }
             emit trashFinished(message);
         });
-    });
+    if (started) {
+        setTrashing(true);
+    }
+    return started;
 }
 
 QVariantMap DuplicateScanner::labels() {

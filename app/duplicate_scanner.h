@@ -4,13 +4,14 @@
 // model, keeps the user's selection, and trashes the selected copies (each verified byte for
 // byte against the kept copy first) off the GUI thread, with progress.
 //
-// Background work: one worker thread at a time. A request while a scan or a trash run is under
-// way is ignored. Results and progress reach the GUI thread as queued calls tagged with the
-// job's generation; cancel() sets the job's token and bumps the generation, so what a cancelled
-// job still sends is dropped. Destroying the engine cancels and joins the worker.
+// Background work runs on a BackgroundJob: one scan or trash run at a time, a request while
+// one is under way is ignored, progress and results reach the GUI thread in order. cancel()
+// stops a scan and drops its result, so the groups shown stay as they were. Destroying the
+// engine cancels and joins the worker.
 //
 // Threading: GUI thread only (the worker never touches this object's state).
 
+#include "app/background_job.h"
 #include "app/duplicate_groups_model.h"
 #include "core/duplicates/duplicate_group.h"
 
@@ -21,7 +22,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace sondrel {
@@ -101,14 +101,9 @@ signals:
     void scanFinished();
 
 private:
-    // Runs `work` on a new worker (the caller checked that none is busy); GUI-thread code it
-    // posts runs only while its generation is current.
-    bool startJob(std::function<void(std::uint64_t, const std::shared_ptr<CancelToken>&)> work);
-    void postIfCurrent(std::uint64_t generation, std::function<void()> fn);
     void setStatus(const QString& message);
     void setScanning(bool scanning);
     void setTrashing(bool trashing);
-    void joinWorker();
 
     std::unique_ptr<const Locations> m_locations;
     DuplicateGroupsModel* m_model = nullptr;
@@ -117,9 +112,8 @@ private:
     QString m_trashProgressText;
     bool m_scanning = false;
     bool m_trashing = false;
-    std::uint64_t m_generation = 0;
-    std::shared_ptr<CancelToken> m_cancel;
-    std::thread m_worker;
+    bool m_scanStopped = false; // cancel() came before the running scan's result
+    BackgroundJob m_job;        // last: destroyed (its worker joined) first
 };
 
 } // namespace sondrel
