@@ -97,6 +97,8 @@ private:
 
 namespace detail {
 
+/// Appends `object` when it is named `name`, then walks its child items and QObject children;
+/// `seen` keeps an object reached through both trees from being listed twice.
 inline void collectNamed(QObject* object, const QString& name, QList<QObject*>& found,
                          QSet<QObject*>& seen) {
     if (object == nullptr || seen.contains(object)) {
@@ -118,6 +120,7 @@ inline void collectNamed(QObject* object, const QString& name, QList<QObject*>& 
     }
 }
 
+/// Appends the text of every visible Text item at or below `item`, in tree order.
 inline void collectShownTexts(QQuickItem* item, QStringList& texts) {
     if (item->inherits("QQuickText") && item->isVisible()) {
         texts.append(item->property("text").toString());
