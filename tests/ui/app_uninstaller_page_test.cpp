@@ -6,25 +6,21 @@
 #include "app/app_scanner.h"
 #include "platform/app_catalogue.h"
 #include "platform/locations.h"
+#include "tests/ui/page_harness.h"
 #include "tests/ui/warning_filter.h"
-#include "ui/src/shell_setup.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QPainter>
-#include <QQmlComponent>
-#include <QQmlEngine>
 #include <QQuickItem>
-#include <QQuickView>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 
 Q_IMPORT_QML_PLUGIN(SondrelPlugin)
@@ -32,36 +28,7 @@ Q_IMPORT_QML_PLUGIN(SondrelPlugin)
 namespace sondrel {
 namespace {
 
-const char* const kThemeQml = R"(
-import QtQuick
-QtObject {
-    property color background: Qt.rgba(0.05, 0.05, 0.07, 1)
-    property color cardBackground: Qt.rgba(1, 1, 1, 0.04)
-    property color border: Qt.rgba(1, 1, 1, 0.08)
-    property color accent: Qt.rgba(1.0, 0.2, 0.35, 1)
-    property color secondaryAccent: Qt.rgba(1.0, 0.45, 0.2, 1)
-    property color textPrimary: Qt.rgba(0.95, 0.95, 0.97, 1)
-    property color textSecondary: Qt.rgba(1, 1, 1, 0.6)
-}
-)";
-
-void writeFile(const QString& path, qint64 size, qint64 modifiedSecs = 0) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray(static_cast<int>(size), 'x'));
-    if (modifiedSecs != 0) {
-        QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(modifiedSecs),
-                                 QFileDevice::FileModificationTime));
-    }
-}
-
-void writeText(const QString& path, const QByteArray& text) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(text);
-}
+using namespace sondrel::test;
 
 void writeIcon(const QString& path, QColor colour) {
     QDir().mkpath(QFileInfo(path).absolutePath());
@@ -74,28 +41,6 @@ void writeIcon(const QString& path, QColor colour) {
     painter.drawRoundedRect(4, 4, 56, 56, 12, 12);
     painter.end();
     QVERIFY(image.save(path));
-}
-
-QObject* child(QObject* root, const char* name) {
-    return root->findChild<QObject*>(name);
-}
-
-// Searches the visual tree too: list delegates have no QObject parent.
-QQuickItem* findItem(QQuickItem* root, const QString& name) {
-    if (root->objectName() == name) {
-        return root;
-    }
-    for (QQuickItem* item : root->childItems()) {
-        if (QQuickItem* found = findItem(item, name)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
-
-bool isShown(QObject* root, const char* name) {
-    auto* item = root->findChild<QQuickItem*>(name);
-    return item && item->isVisible();
 }
 
 class AppUninstallerPageTest : public QObject {
@@ -126,36 +71,23 @@ private slots:
         locations.applicationDirs = {locations.dataHome + "/applications"};
         locations.dataDirs.clear();
         AppScanner scanner(locations, SystemRoots{}, nullptr);
-        std::unique_ptr<QObject> theme;
-        QQuickView view;
-        installShellImageProviders(*view.engine());
-        QQmlComponent themeComponent(view.engine());
-        themeComponent.setData(kThemeQml, QUrl());
-        theme.reset(themeComponent.create());
-        QVERIFY(theme);
-        view.setInitialProperties({{"scanner", QVariant::fromValue<QObject*>(&scanner)},
-                                   {"theme", QVariant::fromValue<QObject*>(theme.get())}});
-        view.setResizeMode(QQuickView::SizeRootObjectToView);
-        view.resize(1100, 720);
-        view.setSource(QUrl("qrc:/Sondrel/qml/apps/AppUninstallerPage.qml"));
-        QVERIFY2(
-            view.status() == QQuickView::Ready,
-            qPrintable(view.errors().isEmpty() ? QString() : view.errors().first().toString()));
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
-        QObject* page = view.rootObject();
+        PageView view;
+        QCOMPARE(view.load("qrc:/Sondrel/qml/apps/AppUninstallerPage.qml",
+                           {{"scanner", QVariant::fromValue<QObject*>(&scanner)}}, {1100, 720}),
+                 QString());
+        QQuickItem* page = view.page();
         QVERIFY(isShown(page, "noAppsText"));
         QVERIFY(isShown(page, "selectPrompt"));
 
         QSignalSpy finished(&scanner, &AppScanner::scanFinished);
-        QVERIFY(QMetaObject::invokeMethod(child(page, "scanAppsButton"), "clicked"));
+        QVERIFY(QMetaObject::invokeMethod(findObject(page, "scanAppsButton"), "clicked"));
         QVERIFY(scanner.isScanning());
         QCOMPARE(scanner.statusMessage(), QString("Discovering installed applications..."));
         QVERIFY(finished.wait(20000));
         QCOMPARE(scanner.statusMessage(), QString("Found 3 applications, 1 leftover items"));
-        QCOMPARE(child(page, "installedTab")->property("text").toString(),
+        QCOMPARE(findObject(page, "installedTab")->property("text").toString(),
                  QString("Installed Apps (3)"));
-        QCOMPARE(child(page, "orphansTab")->property("text").toString(),
+        QCOMPARE(findObject(page, "orphansTab")->property("text").toString(),
                  QString("Orphaned Residues (1)"));
         QCOMPARE(scanner.filteredApps().first().toMap().value("name").toString(),
                  QString("Photo Studio"));
@@ -179,20 +111,20 @@ private slots:
         QTest::qWait(300);
         const QString screenshot = qEnvironmentVariable("SONDREL_SCREENSHOT");
         if (!screenshot.isEmpty()) {
-            QVERIFY(view.grabWindow().save(screenshot));
+            QVERIFY(view.view().grabWindow().save(screenshot));
         }
 
-        QVERIFY(QMetaObject::invokeMethod(child(page, "uninstallButton"), "clicked"));
-        QTRY_VERIFY(child(page, "confirmDialog")->property("opened").toBool());
+        QVERIFY(QMetaObject::invokeMethod(findObject(page, "uninstallButton"), "clicked"));
+        QTRY_VERIFY(findObject(page, "confirmDialog")->property("opened").toBool());
         QSignalSpy uninstalled(&scanner, &AppScanner::uninstallFinished);
-        QVERIFY(QMetaObject::invokeMethod(child(page, "confirmUninstallButton"), "clicked"));
+        QVERIFY(QMetaObject::invokeMethod(findObject(page, "confirmUninstallButton"), "clicked"));
         QVERIFY(uninstalled.wait(20000));
         QCOMPARE(uninstalled.first().at(0).toBool(), true);
         QCOMPARE(uninstalled.first().at(1).toString(),
                  QString("Successfully uninstalled Photo Studio and moved application bundle and "
                          "residues to Trash."));
-        QTRY_VERIFY(child(page, "resultDialog")->property("opened").toBool());
-        QCOMPARE(child(page, "resultText")->property("text").toString(),
+        QTRY_VERIFY(findObject(page, "resultDialog")->property("opened").toBool());
+        QCOMPARE(findObject(page, "resultText")->property("text").toString(),
                  uninstalled.first().at(1).toString());
         QVERIFY(!QFileInfo::exists(home + "/Applications/Photo Studio.AppImage"));
         QVERIFY(!QFileInfo::exists(home + "/.local/share/applications/photo-studio.desktop"));
@@ -201,18 +133,17 @@ private slots:
         QCOMPARE(scanner.installedCount(), 2);
         QTRY_VERIFY(isShown(page, "selectPrompt"));
 
-        QVERIFY(QMetaObject::invokeMethod(child(page, "orphansTab"), "clicked"));
+        QVERIFY(QMetaObject::invokeMethod(findObject(page, "orphansTab"), "clicked"));
         QTRY_VERIFY(isShown(page, "orphansPane"));
-        auto* pageItem = qobject_cast<QQuickItem*>(page);
-        QTRY_VERIFY(findItem(pageItem, "trashOrphanButton") != nullptr);
-        QObject* trash = findItem(pageItem, "trashOrphanButton");
+        QTRY_VERIFY(findItem(page, "trashOrphanButton") != nullptr);
+        QObject* trash = findItem(page, "trashOrphanButton");
         QSignalSpy trashed(&scanner, &AppScanner::orphanTrashed);
         QVERIFY(QMetaObject::invokeMethod(trash, "clicked"));
         QVERIFY(trashed.wait(20000));
         QCOMPARE(trashed.first().at(1).toBool(), true);
         QCOMPARE(scanner.orphanCount(), 0);
         QVERIFY(!QFileInfo::exists(home + "/.config/OldGame"));
-        QCOMPARE(child(page, "orphansTab")->property("text").toString(),
+        QCOMPARE(findObject(page, "orphansTab")->property("text").toString(),
                  QString("Orphaned Residues (0)"));
     }
 };

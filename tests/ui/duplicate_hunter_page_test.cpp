@@ -6,50 +6,28 @@
 #include "app/duplicate_scanner.h"
 #include "core/model/byte_format.h"
 #include "platform/locations.h"
+#include "tests/ui/page_harness.h"
 #include "tests/ui/warning_filter.h"
-#include "ui/src/shell_setup.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QPainter>
-#include <QQmlComponent>
-#include <QQmlEngine>
 #include <QQuickItem>
-#include <QQuickView>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
-#include <memory>
 
 Q_IMPORT_QML_PLUGIN(SondrelPlugin)
 
 namespace sondrel {
 namespace {
 
-const char* const kThemeQml = R"(
-import QtQuick
-QtObject {
-    property color background: Qt.rgba(0.05, 0.05, 0.07, 1)
-    property color cardBackground: Qt.rgba(1, 1, 1, 0.04)
-    property color border: Qt.rgba(1, 1, 1, 0.08)
-    property color accent: Qt.rgba(1.0, 0.2, 0.35, 1)
-    property color secondaryAccent: Qt.rgba(1.0, 0.45, 0.2, 1)
-    property color textPrimary: Qt.rgba(0.95, 0.95, 0.97, 1)
-    property color textSecondary: Qt.rgba(1, 1, 1, 0.6)
-}
-)";
-
-void setModified(const QString& path, qint64 secs) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(
-        file.setFileTime(QDateTime::fromSecsSinceEpoch(secs), QFileDevice::FileModificationTime));
-}
+using namespace sondrel::test;
 
 void writeRandom(const QString& path, int size, quint32 seed, qint64 secs) {
     QDir().mkpath(QFileInfo(path).absolutePath());
@@ -85,16 +63,6 @@ void copyWithTime(const QString& from, const QString& to, qint64 secs) {
     setModified(to, secs);
 }
 
-QString textOf(QObject* root, const char* name) {
-    auto* item = root->findChild<QObject*>(name);
-    return item ? item->property("text").toString() : QStringLiteral("<missing %1>").arg(name);
-}
-
-bool isShown(QObject* root, const char* name) {
-    auto* item = root->findChild<QQuickItem*>(name);
-    return item && item->isVisible();
-}
-
 class DuplicateHunterPageTest : public QObject {
     Q_OBJECT
 
@@ -116,33 +84,16 @@ private slots:
         copyWithTime(home + "/Videos/Birthday.mp4", home + "/Desktop/Birthday.mp4", 1702000000);
 
         DuplicateScanner scanner(Locations::forLinux(home.toStdString()));
-        std::unique_ptr<QObject> theme; // outlives the view, whose bindings read it
-        QQuickView view;
-        installShellImageProviders(*view.engine());
-        QQmlComponent themeComponent(view.engine());
-        themeComponent.setData(kThemeQml, QUrl());
-        theme.reset(themeComponent.create());
-        QVERIFY(theme);
-        view.setInitialProperties({{"scanner", QVariant::fromValue<QObject*>(&scanner)},
-                                   {"theme", QVariant::fromValue<QObject*>(theme.get())}});
-        view.setResizeMode(QQuickView::SizeRootObjectToView);
-        view.resize(1080, 760);
-        view.setSource(QUrl("qrc:/Sondrel/qml/duplicates/DuplicateHunterPage.qml"));
-        QVERIFY2(
-            view.status() == QQuickView::Ready,
-            qPrintable(view.errors().isEmpty() ? QString() : view.errors().first().toString()));
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
-        QObject* page = view.rootObject();
+        PageView view;
+        QCOMPARE(view.load("qrc:/Sondrel/qml/duplicates/DuplicateHunterPage.qml",
+                           {{"scanner", QVariant::fromValue<QObject*>(&scanner)}}, {1080, 760}),
+                 QString());
+        QQuickItem* page = view.page();
 
-        QVERIFY(isShown(page, "emptyState"));
-        QVERIFY(!isShown(page, "summaryBar"));
-
-        QVERIFY(QMetaObject::invokeMethod(page->findChild<QObject*>("scanButton"), "clicked"));
-        QVERIFY(scanner.isScanning());
-        QVERIFY(QTest::qWaitFor([&] { return !scanner.isScanning(); }, 20000));
-        QVERIFY(!isShown(page, "emptyState"));
-        QVERIFY(isShown(page, "summaryBar"));
+        scanFromEmptyState(page, scanner);
+        if (QTest::currentTestFailed()) {
+            return;
+        }
         QCOMPARE(textOf(page, "setsText"), QString("3 Duplicate Sets"));
         const qint64 pictureSize = QFileInfo(home + "/Pictures/Lake at dawn.png").size();
         const QString wasted = QString::fromStdString(formatBytes(2 * pictureSize + 10400000));
@@ -154,7 +105,7 @@ private slots:
         QTest::qWait(400);
         const QString screenshot = qEnvironmentVariable("SONDREL_SCREENSHOT");
         if (!screenshot.isEmpty()) {
-            QVERIFY(view.grabWindow().save(screenshot));
+            QVERIFY(view.view().grabWindow().save(screenshot));
         }
 
         QVERIFY(

@@ -1,17 +1,13 @@
 // The scan progress panel offscreen, over a scripted scanner: the "Stop" button shows only while
 // a scan runs and a click on it cancels that scan.
 
+#include "tests/ui/page_harness.h"
 #include "tests/ui/warning_filter.h"
-#include "ui/src/symbol_icons.h"
 
-#include <QColor>
-#include <QQmlEngine>
 #include <QQuickItem>
-#include <QQuickView>
 #include <QRegularExpression>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
-#include <memory>
 
 Q_IMPORT_QML_PLUGIN(SondrelPlugin)
 
@@ -86,21 +82,12 @@ private slots:
     void stopCancelsTheRunningScan() {
         QTest::failOnWarning(sondrel::test::anyWarning());
         ScriptedScanner scanner;
-        PanelTheme theme;
-        QQuickView view;
-        view.engine()->addImageProvider(QStringLiteral("symbol"), new sondrel::SymbolImageProvider);
-        view.setInitialProperties({
-            {QStringLiteral("scanner"), QVariant::fromValue<QObject*>(&scanner)},
-            {QStringLiteral("theme"), QVariant::fromValue<QObject*>(&theme)},
-        });
-        view.setResizeMode(QQuickView::SizeRootObjectToView);
-        view.resize(700, 420);
-        view.setSource(QUrl(QStringLiteral("qrc:/Sondrel/qml/pages/ScanProgressPanel.qml")));
-        QCOMPARE(view.status(), QQuickView::Ready);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        sondrel::test::PageView view;
+        QCOMPARE(view.load("qrc:/Sondrel/qml/pages/ScanProgressPanel.qml",
+                           {{"scanner", QVariant::fromValue<QObject*>(&scanner)}}, {700, 420}),
+                 QString());
 
-        QQuickItem* stop = findItem(view.rootObject(), QStringLiteral("stopScanButton"));
+        QQuickItem* stop = sondrel::test::findItem(view.page(), "stopScanButton");
         QVERIFY(stop != nullptr);
         QVERIFY(!stop->isVisible());
 
@@ -108,10 +95,10 @@ private slots:
         QTRY_VERIFY(stop->isVisible());
         const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
         if (!shots.isEmpty()) {
-            QVERIFY(view.grabWindow().save(shots + "/scan-progress-stop.png"));
+            QVERIFY(view.view().grabWindow().save(shots + "/scan-progress-stop.png"));
         }
         const QPointF centre = stop->mapToScene({stop->width() / 2, stop->height() / 2});
-        QTest::mouseClick(&view, Qt::LeftButton, {}, centre.toPoint());
+        QTest::mouseClick(&view.view(), Qt::LeftButton, {}, centre.toPoint());
         QCOMPARE(scanner.m_cancels, 1);
         QTRY_VERIFY(!stop->isVisible());
     }

@@ -5,6 +5,7 @@
 #include "app/app_root.h"
 #include "app/navigation_section.h"
 #include "app/qt_conversions.h"
+#include "tests/ui/page_harness.h"
 #include "tests/ui/warning_filter.h"
 #include "ui/src/app_actions.h"
 #include "ui/src/shell_setup.h"
@@ -42,24 +43,9 @@ Q_IMPORT_QML_PLUGIN(SondrelPlugin)
 namespace sondrel {
 namespace {
 
-constexpr int kScanTimeoutMs = 30000;
+using test::findItem;
 
-// Depth-first search of the visual item tree (delegates and popups have no QObject parent).
-QQuickItem* findItem(QQuickItem* root, const QString& name) {
-    if (root == nullptr) {
-        return nullptr;
-    }
-    if (root->objectName() == name) {
-        return root;
-    }
-    const QList<QQuickItem*> children = root->childItems();
-    for (QQuickItem* child : children) {
-        if (QQuickItem* found = findItem(child, name)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
+constexpr int kScanTimeoutMs = 30000;
 
 // The first item under `root` (depth first) of the C++ class `className` or one derived from it.
 QQuickItem* findItemOfClass(QQuickItem* root, const char* className) {
@@ -73,10 +59,6 @@ QQuickItem* findItemOfClass(QQuickItem* root, const char* className) {
         }
     }
     return nullptr;
-}
-
-QQuickItem* findItem(QQuickWindow* window, const QString& name) {
-    return findItem(window->contentItem(), name);
 }
 
 // True for a card: the Card component (and what derives from it) or any rounded panel with a

@@ -7,15 +7,11 @@
 #include "app/smart_clean_engine.h"
 #include "app/system_monitor.h"
 #include "platform/system_sampler.h"
+#include "tests/ui/page_harness.h"
 #include "tests/ui/warning_filter.h"
-#include "ui/src/shell_setup.h"
 
-#include <QQmlComponent>
-#include <QQmlEngine>
 #include <QQuickItem>
-#include <QQuickView>
 #include <QRegularExpression>
-#include <QSet>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
 #include <memory>
@@ -25,20 +21,9 @@ Q_IMPORT_QML_PLUGIN(SondrelPlugin)
 namespace sondrel {
 namespace {
 
-constexpr std::int64_t kGiB = std::int64_t{1} << 30;
+using namespace sondrel::test;
 
-const char* const kThemeQml = R"(
-import QtQuick
-QtObject {
-    property color background: Qt.rgba(0.05, 0.05, 0.07, 1)
-    property color cardBackground: Qt.rgba(1, 1, 1, 0.04)
-    property color border: Qt.rgba(1, 1, 1, 0.08)
-    property color accent: Qt.rgba(1.0, 0.2, 0.35, 1)
-    property color secondaryAccent: Qt.rgba(1.0, 0.45, 0.2, 1)
-    property color textPrimary: Qt.rgba(0.95, 0.95, 0.97, 1)
-    property color textSecondary: Qt.rgba(1, 1, 1, 0.6)
-}
-)";
+constexpr std::int64_t kGiB = std::int64_t{1} << 30;
 
 struct Figures {
     std::int64_t availableBytes = 100 * kGiB;
@@ -67,55 +52,6 @@ private:
     std::shared_ptr<Figures> m_figures;
 };
 
-// Every QQuickItem below `root` named `name`, through both the object tree and the item tree
-// (a popup's items hang below the window's overlay, not below the page), in tree order.
-void collect(QObject* object, const QString& name, QList<QQuickItem*>& found,
-             QSet<QObject*>& seen) {
-    if (object == nullptr || seen.contains(object)) {
-        return;
-    }
-    seen.insert(object);
-    auto* item = qobject_cast<QQuickItem*>(object);
-    if (item && object->objectName() == name) {
-        found.append(item);
-    }
-    if (item) {
-        for (QQuickItem* child : item->childItems()) {
-            collect(child, name, found, seen);
-        }
-    }
-    for (QObject* child : object->children()) {
-        collect(child, name, found, seen);
-    }
-}
-
-QList<QQuickItem*> findAll(QObject* root, const QString& name) {
-    QList<QQuickItem*> found;
-    QSet<QObject*> seen;
-    collect(root, name, found, seen);
-    return found;
-}
-
-QQuickItem* findItem(QObject* root, const QString& name) {
-    const QList<QQuickItem*> found = findAll(root, name);
-    return found.isEmpty() ? nullptr : found.first();
-}
-
-QList<QQuickItem*> findItems(QObject* root, const QString& name) {
-    QList<QQuickItem*> shown;
-    for (QQuickItem* item : findAll(root, name)) {
-        if (item->isVisible()) {
-            shown.append(item);
-        }
-    }
-    return shown;
-}
-
-QString textOf(QObject* root, const char* name) {
-    QQuickItem* item = findItem(root, QString::fromLatin1(name));
-    return item ? item->property("text").toString() : QStringLiteral("<missing %1>").arg(name);
-}
-
 // The items a scan of a developer's home might find.
 std::vector<CareItem> homeJunk(std::int64_t scale) {
     return {
@@ -138,8 +74,7 @@ private:
     std::vector<CareItem> m_junk;
     std::vector<CareItem> m_orphans;
     std::unique_ptr<SmartCleanEngine> m_engine;
-    std::unique_ptr<QObject> m_theme; // outlives the view, whose bindings read it
-    std::unique_ptr<QQuickView> m_view;
+    std::unique_ptr<PageView> m_view;
     QObject* m_page = nullptr;
 
     void scan() {
@@ -159,35 +94,23 @@ private slots:
         hooks.orphanItems = [this] { return m_orphans; };
         m_engine = std::make_unique<SmartCleanEngine>(hooks, m_monitor.get());
 
-        m_view = std::make_unique<QQuickView>();
-        installShellImageProviders(*m_view->engine());
-        QQmlComponent themeComponent(m_view->engine());
-        themeComponent.setData(kThemeQml, QUrl());
-        m_theme.reset(themeComponent.create());
-        QVERIFY(m_theme);
-        m_view->setInitialProperties({{"engine", QVariant::fromValue<QObject*>(m_engine.get())},
-                                      {"theme", QVariant::fromValue<QObject*>(m_theme.get())}});
-        m_view->setResizeMode(QQuickView::SizeRootObjectToView);
-        m_view->resize(1080, 860);
-        m_view->setSource(QUrl("qrc:/Sondrel/qml/care/SmartCareDashboard.qml"));
-        QVERIFY2(m_view->status() == QQuickView::Ready,
-                 qPrintable(m_view->errors().isEmpty() ? QString()
-                                                       : m_view->errors().first().toString()));
-        m_view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
-        m_page = m_view->rootObject();
+        m_view = std::make_unique<PageView>();
+        QCOMPARE(m_view->load("qrc:/Sondrel/qml/care/SmartCareDashboard.qml",
+                              {{"engine", QVariant::fromValue<QObject*>(m_engine.get())}},
+                              {1080, 860}),
+                 QString());
+        m_page = m_view->page();
     }
 
     void cleanup() {
         m_view.reset();
-        m_theme.reset();
         m_engine.reset();
         m_monitor.reset();
     }
 
     void conditionLineAndGauge() {
         const QColor green("#34c759");
-        const QColor secondary = m_theme->property("secondaryAccent").value<QColor>();
+        const QColor secondary = m_view->theme()->property("secondaryAccent").value<QColor>();
         QQuickItem* ring = findItem(m_page, "healthRing");
         QVERIFY(ring);
 
@@ -227,7 +150,7 @@ private slots:
         QCOMPARE(textOf(findItem(m_page, "storageHeadroomCard"), "scoreText"), QString("6/25"));
         QCOMPARE(textOf(findItem(m_page, "diskHygieneCard"), "detailText"),
                  QString("0 KB Junk (Clean)"));
-        QCOMPARE(findItems(m_page, "categoryCard").size(), 6);
+        QCOMPARE(findShown(m_page, "categoryCard").size(), 6);
     }
 
     void manifestSwitchesAndExecute() {
@@ -240,41 +163,42 @@ private slots:
         QTest::qWait(50);
         const QString shots = qEnvironmentVariable("SONDREL_SCREENSHOT");
         if (!shots.isEmpty()) {
-            QVERIFY(m_view->grabWindow().save(shots + "/smart-care.png"));
+            QVERIFY(m_view->view().grabWindow().save(shots + "/smart-care.png"));
         }
 
         QVERIFY(QMetaObject::invokeMethod(findItem(m_page, "cleanButton"), "clicked"));
         QObject* sheet = m_page->findChild<QObject*>("manifestSheet");
         QVERIFY(sheet);
         QTRY_VERIFY(sheet->property("opened").toBool());
-        const QList<QQuickItem*> rows = findItems(m_view->contentItem(), "manifestRow");
+        // The sheet's rows hang below the window's overlay, not below the page.
+        QQuickItem* content = m_view->view().contentItem();
+        const QList<QQuickItem*> rows = findShown(content, "manifestRow");
         QCOMPARE(rows.size(), 5);
         QCOMPARE(textOf(rows[4], "rowTitle"), QString("Empty Trash Bin"));
         QCOMPARE(textOf(rows[4], "rowBadge"), QString("User Review"));
-        QCOMPARE(textOf(m_view->contentItem(), "freeSpaceTitle"),
+        QCOMPARE(textOf(content, "freeSpaceTitle"),
                  QString("Why might reported free space in Files differ after cleanup?"));
-        QCOMPARE(textOf(m_view->contentItem(), "executeButton"),
-                 QString("Execute Cleanup (1.57 GB)"));
-        QVERIFY(findItem(m_view->contentItem(), "adminNote")->isVisible());
+        QCOMPARE(textOf(content, "executeButton"), QString("Execute Cleanup (1.57 GB)"));
+        QVERIFY(findItem(content, "adminNote")->isVisible());
 
         // The rows expand to their exact items; the explanation to the Linux reasons.
         rows[0]->setProperty("expanded", true);
-        QObject* notes = findItem(m_view->contentItem(), "manifestNotes");
+        QObject* notes = findItem(content, "manifestNotes");
         QVERIFY(notes);
         notes->setProperty("showFreeSpaceInfo", true);
         QTest::qWait(50);
-        QCOMPARE(findItems(m_view->contentItem(), "freeSpaceReason").size(), 4);
+        QCOMPARE(findShown(content, "freeSpaceReason").size(), 4);
         QCOMPARE(findItem(rows[0], "itemList")->property("count").toInt(), 2);
         if (!shots.isEmpty()) {
-            QVERIFY(m_view->grabWindow().save(shots + "/smart-care-manifest.png"));
+            QVERIFY(m_view->view().grabWindow().save(shots + "/smart-care-manifest.png"));
             // The notes at the end of the sheet: the safety net and the free-space reasons.
             auto* flickable = qvariant_cast<QQuickItem*>(
-                findItem(m_view->contentItem(), "manifestScroll")->property("contentItem"));
+                findItem(content, "manifestScroll")->property("contentItem"));
             QVERIFY(flickable);
             flickable->setProperty("contentY", flickable->property("contentHeight").toReal() -
                                                    flickable->height());
             QTest::qWait(50);
-            QVERIFY(m_view->grabWindow().save(shots + "/smart-care-manifest-notes.png"));
+            QVERIFY(m_view->view().grabWindow().save(shots + "/smart-care-manifest-notes.png"));
             flickable->setProperty("contentY", 0);
         }
 
@@ -284,22 +208,20 @@ private slots:
         QVERIFY(QMetaObject::invokeMethod(trashSwitch, "toggle"));
         QVERIFY(QMetaObject::invokeMethod(trashSwitch, "toggled"));
         QVERIFY(!m_engine->switches().isOn(CareCategory::trash));
-        QCOMPARE(textOf(m_view->contentItem(), "executeButton"),
-                 QString("Execute Cleanup (1.27 GB)"));
+        QCOMPARE(textOf(content, "executeButton"), QString("Execute Cleanup (1.27 GB)"));
         for (int i = 0; i < 4; ++i) {
             QVERIFY(QMetaObject::invokeMethod(rows[i], "toggled", Q_ARG(bool, false)));
         }
-        QCOMPARE(textOf(m_view->contentItem(), "executeButton"), QString("No Items Selected"));
-        QVERIFY(!findItem(m_view->contentItem(), "executeButton")->isEnabled());
-        QCOMPARE(textOf(m_view->contentItem(), "selectedTotalText"), QString("Zero KB"));
+        QCOMPARE(textOf(content, "executeButton"), QString("No Items Selected"));
+        QVERIFY(!findItem(content, "executeButton")->isEnabled());
+        QCOMPARE(textOf(content, "selectedTotalText"), QString("Zero KB"));
 
         // Closing and opening again starts with every row on.
-        QVERIFY(
-            QMetaObject::invokeMethod(findItem(m_view->contentItem(), "cancelButton"), "clicked"));
+        QVERIFY(QMetaObject::invokeMethod(findItem(content, "cancelButton"), "clicked"));
         QTRY_VERIFY(!sheet->property("visible").toBool());
         QVERIFY(QMetaObject::invokeMethod(sheet, "open"));
         QTRY_VERIFY(sheet->property("opened").toBool());
-        QVERIFY(findItem(m_view->contentItem(), "executeButton")->isEnabled());
+        QVERIFY(findItem(content, "executeButton")->isEnabled());
     }
 };
 

@@ -5,6 +5,7 @@
 
 #include "app/app_root.h"
 #include "app/qt_conversions.h"
+#include "tests/ui/page_harness.h"
 #include "tests/ui/warning_filter.h"
 #include "ui/src/app_actions.h"
 #include "ui/src/shell_setup.h"
@@ -34,32 +35,6 @@ namespace {
 constexpr int kTimeoutMs = 30000;
 constexpr int kSearchSection = 5;
 
-QQuickItem* findItem(QQuickItem* root, const QString& name) {
-    if (root == nullptr) {
-        return nullptr;
-    }
-    if (root->objectName() == name) {
-        return root;
-    }
-    const QList<QQuickItem*> children = root->childItems();
-    for (QQuickItem* child : children) {
-        if (QQuickItem* found = findItem(child, name)) {
-            return found;
-        }
-    }
-    return nullptr;
-}
-
-void collectTexts(QQuickItem* item, QStringList& texts) {
-    if (item->inherits("QQuickText") && item->isVisible()) {
-        texts.append(item->property("text").toString());
-    }
-    const QList<QQuickItem*> children = item->childItems();
-    for (QQuickItem* child : children) {
-        collectTexts(child, texts);
-    }
-}
-
 } // namespace
 
 class SmartSearchViewTest : public QObject {
@@ -82,15 +57,9 @@ private:
         QVERIFY(file.resize(size));
     }
 
-    QQuickItem* item(const char* name) const {
-        return findItem(m_window->contentItem(), QString::fromLatin1(name));
-    }
+    QQuickItem* item(const char* name) const { return test::findItem(m_window, name); }
     QQuickItem* page() const { return item("searchPage"); }
-    QStringList pageTexts() const {
-        QStringList texts;
-        collectTexts(page(), texts);
-        return texts;
-    }
+    QStringList pageTexts() const { return test::shownTexts(page()); }
     LargeFileSearch* search() const { return m_root->largeFileSearch(); }
     LargeFileResultsModel* results() const { return search()->results(); }
 

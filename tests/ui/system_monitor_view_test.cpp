@@ -2,15 +2,12 @@
 // screenshot of the page on the live machine (saved where SONDREL_SCREENSHOT points, if set).
 
 #include "app/system_monitor.h"
+#include "tests/ui/page_harness.h"
 #include "tests/ui/warning_filter.h"
-#include "ui/src/shell_setup.h"
 
 #include <QColor>
 #include <QImage>
-#include <QQmlComponent>
-#include <QQmlEngine>
 #include <QQuickItem>
-#include <QQuickView>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QSysInfo>
@@ -22,6 +19,8 @@ Q_IMPORT_QML_PLUGIN(SondrelPlugin)
 
 namespace sondrel {
 namespace {
+
+using namespace sondrel::test;
 
 // Figures that give round texts: 25% load (20 user, 5 system), 7 of 16 GB memory, a 500 GB disk
 // with 200 GB available and 25 GB reserved for root, so 275 GB used, df's Use% 58%.
@@ -47,74 +46,30 @@ private:
     ProcessorTicks m_ticks{1000, 1000, 1000, 0};
 };
 
-const char* const kThemeQml = R"(
-import QtQuick
-QtObject {
-    property color background: Qt.rgba(0.05, 0.05, 0.07, 1)
-    property color cardBackground: Qt.rgba(1, 1, 1, 0.04)
-    property color border: Qt.rgba(1, 1, 1, 0.08)
-    property color accent: Qt.rgba(1.0, 0.2, 0.35, 1)
-    property color secondaryAccent: Qt.rgba(1.0, 0.45, 0.2, 1)
-    property color textPrimary: Qt.rgba(0.95, 0.95, 0.97, 1)
-    property color textSecondary: Qt.rgba(1, 1, 1, 0.6)
-}
-)";
-
-// Every text shown by a Text item under `item`, in tree order.
-void collectTexts(QQuickItem* item, QStringList& texts) {
-    if (item->inherits("QQuickText") && item->isVisible()) {
-        texts.append(item->property("text").toString());
-    }
-    for (QQuickItem* child : item->childItems()) {
-        collectTexts(child, texts);
-    }
-}
-
 class SystemMonitorViewTest : public QObject {
     Q_OBJECT
 
 private:
-    std::unique_ptr<QQuickView> m_view;
-    std::unique_ptr<QObject> m_theme;
+    std::unique_ptr<PageView> m_view;
 
     // Shows the page for `monitor` in a window of `size`.
     void showPage(SystemMonitor* monitor, QSize size = QSize(1100, 1200)) {
-        m_view = std::make_unique<QQuickView>();
-        // The same engine set-up as the window: no extra import paths, the symbol image provider.
-        installShellImageProviders(*m_view->engine());
-        QQmlComponent themeComponent(m_view->engine());
-        themeComponent.setData(kThemeQml, QUrl());
-        m_theme.reset(themeComponent.create());
-        QVERIFY2(m_theme, qPrintable(themeComponent.errorString()));
-        m_view->setInitialProperties({{"systemMonitor", QVariant::fromValue<QObject*>(monitor)},
-                                      {"theme", QVariant::fromValue<QObject*>(m_theme.get())}});
-        m_view->setResizeMode(QQuickView::SizeRootObjectToView);
-        m_view->resize(size);
-        m_view->setSource(QUrl(QStringLiteral("qrc:/Sondrel/qml/monitor/SystemMonitorView.qml")));
-        QVERIFY2(m_view->status() == QQuickView::Ready,
-                 qPrintable(m_view->errors().isEmpty() ? QString()
-                                                       : m_view->errors().first().toString()));
-        m_view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+        m_view = std::make_unique<PageView>();
+        QCOMPARE(m_view->load("qrc:/Sondrel/qml/monitor/SystemMonitorView.qml",
+                              {{"systemMonitor", QVariant::fromValue<QObject*>(monitor)}}, size),
+                 QString());
     }
 
-    QStringList texts() const {
-        QStringList result;
-        collectTexts(m_view->rootObject(), result);
-        return result;
-    }
+    QStringList texts() const { return shownTexts(m_view->page()); }
 
     QString cardValue(const char* cardName) const {
-        auto* card = m_view->rootObject()->findChild<QQuickItem*>(cardName);
+        auto* card = m_view->page()->findChild<QQuickItem*>(cardName);
         auto* value = card ? card->findChild<QQuickItem*>("valueText") : nullptr;
         return value ? value->property("text").toString() : QString();
     }
 
 private slots:
-    void cleanup() {
-        m_view.reset();
-        m_theme.reset();
-    }
+    void cleanup() { m_view.reset(); }
 
     void showsTheMonitorsFigures() {
         QTest::failOnWarning(sondrel::test::anyWarning());
@@ -173,7 +128,7 @@ private slots:
             QVERIFY2(shown.contains(labels[key].toString()), key);
         }
 
-        auto* chart = m_view->rootObject()->findChild<QQuickItem*>("cpuHistoryChart");
+        auto* chart = m_view->page()->findChild<QQuickItem*>("cpuHistoryChart");
         QVERIFY(chart);
         QCOMPARE(chart->property("values").value<QList<double>>(), monitor.cpuHistory());
     }
@@ -197,7 +152,7 @@ private slots:
         monitor.refresh();
         QCOMPARE(cardValue("processorCard"), QString("75%"));
         QCOMPARE(cardValue("storageCard"), QString("58%"));
-        auto* chart = m_view->rootObject()->findChild<QQuickItem*>("cpuHistoryChart");
+        auto* chart = m_view->page()->findChild<QQuickItem*>("cpuHistoryChart");
         QCOMPARE(chart->property("values").value<QList<double>>().last(), 75.0);
     }
 
@@ -215,9 +170,9 @@ private slots:
         }
         QVERIFY(texts().contains(QSysInfo::machineHostName()));
 
-        const QImage image = m_view->grabWindow();
+        const QImage image = m_view->view().grabWindow();
         QVERIFY(!image.isNull());
-        QCOMPARE(image.size(), QSize(1100, 840) * m_view->devicePixelRatio());
+        QCOMPARE(image.size(), QSize(1100, 840) * m_view->view().devicePixelRatio());
         // The accent colour of the bars and the chart is on the page.
         bool hasAccent = false;
         for (int y = 0; y < image.height() && !hasAccent; y += 2) {
