@@ -21,7 +21,8 @@ if [ -z "$cli" ]; then
   cli=$build/cli/sondrel-cli
 fi
 
-median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
+# shellcheck source=bench/warm_runs.sh
+source "$top/bench/warm_runs.sh" # median
 # Wall and CPU (user + system) seconds of one run, as "WALL CPU".
 seconds() {
   /usr/bin/time -f "%e %U %S" -o /tmp/apps-bench-time "$@" >/dev/null 2>&1 || true

@@ -15,6 +15,8 @@
 # with the trap pairs (same size, differing only in the head, middle or tail sample, or only
 # outside the samples) listed per tool.
 set -euo pipefail
+# shellcheck source=bench/warm_runs.sh
+source "$(dirname "$0")/warm_runs.sh"
 
 top=$(cd "$(dirname "$0")/.." && pwd)
 set_dir=${1:-/var/tmp/sondrel-dups-set}
@@ -56,25 +58,8 @@ if [ "${SLOW:-1}" = 1 ]; then
   order+=(fdupes)
 fi
 
-median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
-
 declare -A wall cpu rss cold
-for tool in "${order[@]}"; do
-  ${commands[$tool]} >/dev/null 2>&1 || true # warm-up: caches filled, binary paged in
-  : >"$scratch/$tool"
-done
-# Round-robin over the tools, so a burst of load elsewhere on the machine hits every tool alike.
-for ((i = 0; i < runs; i++)); do
-  for tool in "${order[@]}"; do
-    /usr/bin/time -f "%e %U %S %M" -o "$scratch/t" ${commands[$tool]} >/dev/null 2>/dev/null || true
-    cat "$scratch/t" >>"$scratch/$tool"
-  done
-done
-for tool in "${order[@]}"; do
-  wall[$tool]=$(awk '{ print $1 }' "$scratch/$tool" | median)
-  cpu[$tool]=$(awk '{ print $2 + $3 }' "$scratch/$tool" | median)
-  rss[$tool]=$(awk '{ print $4 }' "$scratch/$tool" | median)
-done
+time_warm_runs
 
 if [ "${COLD:-1}" = 1 ] && [ -w /proc/sys/vm/drop_caches ]; then
   for tool in "${order[@]}"; do

@@ -10,6 +10,8 @@
 # Prints the median wall and CPU time of each tool, sondrel's ratio to the floor and du's ratio
 # to sondrel, and checks that the scan's total equals what du -sB1 gives for the items it lists.
 set -euo pipefail
+# shellcheck source=bench/warm_runs.sh
+source "$(dirname "$0")/warm_runs.sh"
 
 top=$(cd "$(dirname "$0")/.." && pwd)
 home=${1:-/var/tmp/sondrel-bench-junk}
@@ -96,23 +98,8 @@ declare -A commands=(
 )
 order=(floor sondrel du)
 
-median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
-
-declare -A wall cpu
-for tool in "${order[@]}"; do
-  ${commands[$tool]} >/dev/null 2>&1 || true
-  : >"$scratch/$tool"
-done
-for ((i = 0; i < runs; i++)); do
-  for tool in "${order[@]}"; do
-    /usr/bin/time -f "%e %U %S" -o "$scratch/t" ${commands[$tool]} >/dev/null 2>/dev/null || true
-    cat "$scratch/t" >>"$scratch/$tool"
-  done
-done
-for tool in "${order[@]}"; do
-  wall[$tool]=$(awk '{ print $1 }' "$scratch/$tool" | median)
-  cpu[$tool]=$(awk '{ print $2 + $3 }' "$scratch/$tool" | median)
-done
+declare -A wall cpu rss
+time_warm_runs
 
 files=$(find "$home" -type f | wc -l)
 echo

@@ -10,6 +10,8 @@
 # ratio to sondrel, and checks that sondrel found the same files as `find` once the names the
 # search leaves out (hidden, pruned, *.app folders) are taken away, compared by device and inode.
 set -euo pipefail
+# shellcheck source=bench/warm_runs.sh
+source "$(dirname "$0")/warm_runs.sh"
 
 top=$(cd "$(dirname "$0")/.." && pwd)
 tree=${1:-/var/tmp/sondrel-bench-large}
@@ -48,23 +50,8 @@ declare -A commands=(
 )
 order=(floor sondrel fd find)
 
-median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
-
-declare -A wall cpu
-for tool in "${order[@]}"; do
-  ${commands[$tool]} >/dev/null 2>&1 || true
-  : >"$scratch/$tool"
-done
-for ((i = 0; i < runs; i++)); do
-  for tool in "${order[@]}"; do
-    /usr/bin/time -f "%e %U %S" -o "$scratch/t" ${commands[$tool]} >/dev/null 2>/dev/null || true
-    cat "$scratch/t" >>"$scratch/$tool"
-  done
-done
-for tool in "${order[@]}"; do
-  wall[$tool]=$(awk '{ print $1 }' "$scratch/$tool" | median)
-  cpu[$tool]=$(awk '{ print $2 + $3 }' "$scratch/$tool" | median)
-done
+declare -A wall cpu rss
+time_warm_runs
 
 echo
 echo "tree: $tree ($(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg), $runs warm runs each, medians)"

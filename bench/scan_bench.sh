@@ -20,6 +20,8 @@
 # sondrel, and the peak RSS (GNU time). Also checks that sondrel's total equals the floor
 # walker's (the same files: hidden names and links skipped, hard links once).
 set -euo pipefail
+# shellcheck source=bench/warm_runs.sh
+source "$(dirname "$0")/warm_runs.sh"
 
 top=$(cd "$(dirname "$0")/.." && pwd)
 if [ "${HIDDEN:-0}" = 1 ]; then
@@ -65,26 +67,8 @@ if [ -n "${BEFORE:-}" ]; then
   order+=(before)
 fi
 
-median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
-
-# Runs go round-robin over the tools, so that a burst of load from elsewhere on the machine
-# hits every tool alike; CPU time (user + system) is printed too, as it hardly depends on load.
 declare -A wall cpu rss
-for tool in "${order[@]}"; do
-  ${commands[$tool]} >/dev/null 2>&1 || true # warm-up: caches filled, binary paged in
-  : >"$scratch/$tool"
-done
-for ((i = 0; i < runs; i++)); do
-  for tool in "${order[@]}"; do
-    /usr/bin/time -f "%e %U %S %M" -o "$scratch/t" ${commands[$tool]} >/dev/null 2>/dev/null || true
-    cat "$scratch/t" >>"$scratch/$tool"
-  done
-done
-for tool in "${order[@]}"; do
-  wall[$tool]=$(awk '{ print $1 }' "$scratch/$tool" | median)
-  cpu[$tool]=$(awk '{ print $2 + $3 }' "$scratch/$tool" | median)
-  rss[$tool]=$(awk '{ print $4 }' "$scratch/$tool" | median)
-done
+time_warm_runs
 
 echo
 hidden_files=$(find "$tree" -name '.*' ! -name .complete 2>/dev/null | wc -l)
