@@ -9,6 +9,7 @@
 #include "core/fs/measure_tree.h"
 #include "core/removal/permanent_removal.h"
 #include "platform/system_sampler.h"
+#include "tests/app/care_test_sampler.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -22,36 +23,9 @@
 namespace sondrel {
 namespace {
 
-constexpr std::int64_t kGiB = std::int64_t{1} << 30;
-
-// Disk and memory figures set by the test.
-struct Figures {
-    std::int64_t availableBytes = 100 * kGiB;
-    std::uint64_t memoryPercent = 50;
-};
-
-class FixedSampler final : public SystemSampler {
-public:
-    explicit FixedSampler(std::shared_ptr<Figures> figures) : m_figures(std::move(figures)) {}
-    std::vector<ProcessorTicks> processorTicks() override { return {}; }
-    MemoryStats memory() override {
-        MemoryStats memory;
-        memory.totalBytes = 100;
-        memory.activeBytes = m_figures->memoryPercent;
-        return memory;
-    }
-    DiskStats disk() override {
-        DiskStats disk;
-        disk.totalBytes = 500 * kGiB;
-        disk.freeBytes = m_figures->availableBytes;
-        disk.availableBytes = m_figures->availableBytes;
-        return disk;
-    }
-    HostFacts hostFacts() override { return {}; }
-
-private:
-    std::shared_ptr<Figures> m_figures;
-};
+using test::CareFigures;
+using test::CareTestSampler;
+using test::kGiB;
 
 // Hooks whose scans finish when the test says so, with items the test sets.
 struct FakeCollaborators {
@@ -111,7 +85,7 @@ class SmartCleanEngineTest : public QObject {
     Q_OBJECT
 
 private:
-    std::shared_ptr<Figures> m_figures;
+    std::shared_ptr<CareFigures> m_figures;
     std::unique_ptr<SystemMonitor> m_monitor;
 
     void scanAndWait(SmartCleanEngine& engine, FakeCollaborators& fake) {
@@ -122,8 +96,8 @@ private:
 
 private slots:
     void init() {
-        m_figures = std::make_shared<Figures>();
-        m_monitor = std::make_unique<SystemMonitor>(std::make_unique<FixedSampler>(m_figures));
+        m_figures = std::make_shared<CareFigures>();
+        m_monitor = std::make_unique<SystemMonitor>(std::make_unique<CareTestSampler>(m_figures));
     }
 
     void startsWithTheInitialValues() {

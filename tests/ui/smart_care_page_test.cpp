@@ -7,6 +7,7 @@
 #include "app/smart_clean_engine.h"
 #include "app/system_monitor.h"
 #include "platform/system_sampler.h"
+#include "tests/app/care_test_sampler.h"
 #include "tests/ui/page_harness.h"
 #include "tests/ui/warning_filter.h"
 
@@ -22,35 +23,6 @@ namespace sondrel {
 namespace {
 
 using namespace sondrel::test;
-
-constexpr std::int64_t kGiB = std::int64_t{1} << 30;
-
-struct Figures {
-    std::int64_t availableBytes = 100 * kGiB;
-    std::uint64_t memoryPercent = 50;
-};
-
-class FixedSampler final : public SystemSampler {
-public:
-    explicit FixedSampler(std::shared_ptr<Figures> figures) : m_figures(std::move(figures)) {}
-    std::vector<ProcessorTicks> processorTicks() override { return {}; }
-    MemoryStats memory() override {
-        MemoryStats memory;
-        memory.totalBytes = 100;
-        memory.activeBytes = m_figures->memoryPercent;
-        return memory;
-    }
-    DiskStats disk() override {
-        DiskStats disk;
-        disk.totalBytes = 500 * kGiB;
-        disk.freeBytes = disk.availableBytes = m_figures->availableBytes;
-        return disk;
-    }
-    HostFacts hostFacts() override { return {}; }
-
-private:
-    std::shared_ptr<Figures> m_figures;
-};
 
 // The items a scan of a developer's home might find.
 std::vector<CareItem> homeJunk(std::int64_t scale) {
@@ -69,7 +41,7 @@ class SmartCarePageTest : public QObject {
     Q_OBJECT
 
 private:
-    std::shared_ptr<Figures> m_figures = std::make_shared<Figures>();
+    std::shared_ptr<CareFigures> m_figures = std::make_shared<CareFigures>();
     std::unique_ptr<SystemMonitor> m_monitor;
     std::vector<CareItem> m_junk;
     std::vector<CareItem> m_orphans;
@@ -86,7 +58,7 @@ private:
 private slots:
     void init() {
         QTest::failOnWarning(sondrel::test::anyWarning());
-        m_monitor = std::make_unique<SystemMonitor>(std::make_unique<FixedSampler>(m_figures));
+        m_monitor = std::make_unique<SystemMonitor>(std::make_unique<CareTestSampler>(m_figures));
         SmartCleanHooks hooks;
         hooks.startJunkScan = [](const SmartCleanHooks::Done& done) { done(); };
         hooks.startAppScan = [](const SmartCleanHooks::Done& done) { done(); };
