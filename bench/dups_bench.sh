@@ -48,10 +48,11 @@ if [ ! -e "$set_dir/.complete" ] || { [ -n "$made_with" ] && [ "$made_with" != "
   echo "$params" >"$set_dir/.complete"
   made_with=$params
 fi
-echo "set: $set_dir, made by sondrel-bench-dup_gen ${made_with:-(parameters not recorded;" \
-  "remove the folder to remake it)}"
-echo "  nominal sizes (photos 2-8 MB, documents 1-5 MB, videos 100-700 MB) have the part above" \
-  "1 MiB scaled by the --scale factor"
+unrecorded="(parameters not recorded: remove the folder to remake it)"
+scale=$(sed -n 's/.*--scale \([^ ]*\).*/\1/p' <<<"$made_with")
+echo "set: $set_dir, made by sondrel-bench-dup_gen ${made_with:-$unrecorded}"
+echo "  scale ${scale:-unknown}: the part above 1 MiB of the nominal sizes (photos 2-8 MB," \
+  "documents 1-5 MB, videos 100-700 MB) is multiplied by it"
 echo "  $(find "$set_dir" -type f -size +1023k | wc -l) files over 1 MiB," \
   "$(du -sb "$set_dir" | cut -f1) bytes ($(du -sh "$set_dir" | cut -f1)) in all;" \
   "$(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg)"
