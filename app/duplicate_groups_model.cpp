@@ -6,24 +6,62 @@
 #include "core/util/path_text.h"
 
 #include <QDateTime>
+#include <QFile>
+#include <QImageReader>
 #include <QLocale>
 #include <QUrl>
 #include <QVariantMap>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace sondrel {
 
 namespace {
 
-// Image files whose thumbnail Qt decodes cheaply at a small size; large files are left out.
-bool hasCheapThumbnail(const DuplicateFile& file) {
-    constexpr std::int64_t kLargestThumbnailSource = 40 * 1000 * 1000;
-    const std::string extension = asciiLower(pathExtension(file.path));
-    return file.size <= kLargestThumbnailSource &&
-           (extension == "jpg" || extension == "jpeg" || extension == "png" || extension == "gif" ||
-            extension == "bmp" || extension == "webp");
+// The image reader format named by a file's extension, for the image types whose thumbnail Qt
+// decodes cheaply at a small size; empty for any other name.
+QByteArray thumbnailFormatOf(const std::string& path) {
+    const std::string extension = asciiLower(pathExtension(path));
+    if (extension == "jpg" || extension == "jpeg") {
+        return QByteArrayLiteral("jpeg");
+    }
+    if (extension == "png" || extension == "gif" || extension == "bmp" || extension == "webp") {
+        return QByteArray::fromStdString(extension);
+    }
+    return {};
 }
 
-QVariantList filesOf(const DuplicateGroup& group) {
+// True when `file` is an image of the kind its name says that this build's image readers
+// accept. Only the header is read: the reader of the named format alone is asked (no guessing
+// from the contents), so a file the page's Image would fail to decode shows the icon instead
+// of making the Image report an error.
+bool hasCheapThumbnail(const DuplicateFile& file, const QList<QByteArray>& readableFormats) {
+    constexpr std::int64_t kLargestThumbnailSource = 40 * 1000 * 1000;
+    const QByteArray format = thumbnailFormatOf(file.path);
+    if (format.isEmpty() || file.size > kLargestThumbnailSource ||
+        !readableFormats.contains(format)) {
+        return false;
+    }
+    // Opened as the scan opens files: a name replaced by a link or a FIFO since is not read.
+    const int fd = ::open(file.path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    struct stat info {};
+    QFile device;
+    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) ||
+        !device.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(fd);
+        return false;
+    }
+    QImageReader reader(&device, format);
+    reader.setAutoDetectImageFormat(false);
+    return reader.canRead();
+}
+
+QVariantList filesOf(const DuplicateGroup& group,
+                     const std::unordered_set<std::uint64_t>& thumbnailFiles) {
     QVariantList files;
     for (const DuplicateFile& file : group.files) {
         const QString path = toFileQString(file.path);
@@ -33,7 +71,7 @@ QVariantList filesOf(const DuplicateGroup& group) {
             {"path", toDisplayQString(file.path)},
             {"dateText", DuplicateGroupsModel::dateText(file.modifiedNs)},
             {"isSelected", file.isSelected},
-            {"thumbnailUrl", hasCheapThumbnail(file) ? QUrl::fromLocalFile(path) : QUrl()},
+            {"thumbnailUrl", thumbnailFiles.contains(file.id) ? QUrl::fromLocalFile(path) : QUrl()},
         });
     }
     return files;
@@ -62,7 +100,7 @@ QVariant DuplicateGroupsModel::data(const QModelIndex& index, int role) const {
     case wastedTextRole:
         return QString::fromStdString(formatBytes(group.wastedSize()));
     case filesRole:
-        return filesOf(group);
+        return filesOf(group, m_thumbnailFiles);
     default:
         return {};
     }
@@ -76,11 +114,34 @@ QHash<int, QByteArray> DuplicateGroupsModel::roleNames() const {
             {filesRole, "files"}};
 }
 
-void DuplicateGroupsModel::setGroups(std::vector<DuplicateGroup> groups) {
+void DuplicateGroupsModel::setGroups(std::vector<DuplicateGroup> groups,
+                                     std::unordered_set<std::uint64_t> thumbnailFiles) {
+    beginResetModel();
+    m_groups = std::move(groups);
+    m_thumbnailFiles = std::move(thumbnailFiles);
+    endResetModel();
+    emit selectionChanged();
+}
+
+void DuplicateGroupsModel::setRemainingGroups(std::vector<DuplicateGroup> groups) {
     beginResetModel();
     m_groups = std::move(groups);
     endResetModel();
     emit selectionChanged();
+}
+
+std::unordered_set<std::uint64_t>
+DuplicateGroupsModel::thumbnailFiles(const std::vector<DuplicateGroup>& groups) {
+    const QList<QByteArray> readableFormats = QImageReader::supportedImageFormats();
+    std::unordered_set<std::uint64_t> files;
+    for (const DuplicateGroup& group : groups) {
+        for (const DuplicateFile& file : group.files) {
+            if (hasCheapThumbnail(file, readableFormats)) {
+                files.insert(file.id);
+            }
+        }
+    }
+    return files;
 }
 
 bool DuplicateGroupsModel::toggleFile(std::uint64_t fileId) {

@@ -13,8 +13,19 @@
 #include <QFileInfo>
 #include <QMetaObject>
 #include <QVariantMap>
+#include <unordered_set>
 
 namespace sondrel {
+
+namespace {
+
+// What a scan's worker hands to the GUI thread.
+struct ScanOutcome {
+    DuplicateScanResult result;
+    std::unordered_set<std::uint64_t> thumbnailFiles;
+};
+
+} // namespace
 
 DuplicateScanner::DuplicateScanner(const Locations& locations, QObject* parent)
     : QObject(parent), m_locations(std::make_unique<const Locations>(locations)),
@@ -64,14 +75,19 @@ bool DuplicateScanner::scan(const QStringList& folders) {
                     duplicateHashingText(progress.clustersDone, progress.clusterCount));
                 job.post([this, text] { setStatus(text); });
             };
-            return findDuplicates(options, job.cancelToken());
+            ScanOutcome outcome;
+            outcome.result = findDuplicates(options, job.cancelToken());
+            // Decided here, once per file, so that the page never asks an Image to decode a
+            // file it cannot read.
+            outcome.thumbnailFiles = DuplicateGroupsModel::thumbnailFiles(outcome.result.groups);
+            return outcome;
         },
-        [this, roots](DuplicateScanResult result) {
-            if (result.cancelled || m_scanStopped) {
+        [this, roots](ScanOutcome outcome) {
+            if (outcome.result.cancelled || m_scanStopped) {
                 return; // a stopped scan leaves the groups as they were
             }
             m_scannedFolders = roots;
-            m_model->setGroups(std::move(result.groups));
+            m_model->setGroups(std::move(outcome.result.groups), std::move(outcome.thumbnailFiles));
             setStatus(QString::fromStdString(duplicateFoundText(m_model->groups())));
             emit scanFinished();
         });
@@ -152,7 +168,7 @@ bool DuplicateScanner::trashSelected(std::function<void(const QString&)> complet
         [this, completion](DuplicateTrashReport report) {
             const QString message = QString::fromStdString(
                 duplicateTrashResultText(report.moved, report.freed, report.failures.size()));
-            m_model->setGroups(std::move(report.remaining));
+            m_model->setRemainingGroups(std::move(report.remaining));
             m_trashProgressText.clear();
             emit trashProgressTextChanged();
             if (completion) {

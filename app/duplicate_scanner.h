@@ -86,7 +86,7 @@ public:
     /// The same with a completion called on the GUI thread with the result text.
     bool trashSelected(std::function<void(const QString&)> completion);
 
-    /// Fixed texts of the page, with this platform's words ("Reveal in Files" on Linux).
+    /// Fixed texts of the page, with this platform's words ("Show in Files" on Linux).
     Q_INVOKABLE static QVariantMap labels();
 
 signals:

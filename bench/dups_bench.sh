@@ -10,10 +10,13 @@
 # COLD=0 skips the cold-cache runs (which need root: they drop the page cache before each run);
 # COLD_RUNS (default 3); SLOW=0 leaves fdupes out.
 #
-# Prints for each tool the median wall time, the ratios to the floor and to sondrel, CPU time
-# and peak RSS (GNU time); then which files each peer groups differently from sondrel on the set,
-# with the trap pairs (same size, differing only in the head, middle or tail sample, or only
-# outside the samples) listed per tool.
+# Prints first the set it measures: the generator's parameters (the scale shrinks the nominal
+# sizes, so say which was used), its file count and total size. Then for each tool the median
+# wall time, the ratios to the floor and to sondrel, CPU time and peak RSS (GNU time); then which
+# files each peer groups differently from sondrel on the set, with the trap pairs (same size,
+# differing only in the head, middle or tail sample, or only outside the samples) listed per
+# tool; last, bench/dups_trap_check.sh: `dups trash` on copies of the outside-the-samples traps
+# and of one true pair, which must refuse every trap copy.
 set -euo pipefail
 # shellcheck source=bench/warm_runs.sh
 source "$(dirname "$0")/warm_runs.sh"
@@ -34,13 +37,25 @@ cmake --build "$build" --target sondrel-cli sondrel-bench-dup_gen sondrel-bench-
 cli=$build/cli/sondrel-cli
 floor=$build/bench/sondrel-bench-dups_floor
 
-if [ ! -e "$set_dir/.complete" ]; then
+# The set is made once per set of generator parameters, which .complete records.
+params="--seed 1 --files ${FILES:-10000} --scale ${SCALE:-0.08}"
+made_with=$(cat "$set_dir/.complete" 2>/dev/null || true)
+if [ ! -e "$set_dir/.complete" ] || { [ -n "$made_with" ] && [ "$made_with" != "$params" ]; }; then
   rm -rf "$set_dir"
-  echo "generating the set in $set_dir ..."
-  "$build/bench/sondrel-bench-dup_gen" "$set_dir" --seed 1 --files "${FILES:-10000}" \
-    --scale "${SCALE:-0.08}"
-  touch "$set_dir/.complete"
+  echo "generating the set in $set_dir ($params) ..."
+  # shellcheck disable=SC2086 # params is a list of options
+  "$build/bench/sondrel-bench-dup_gen" "$set_dir" $params
+  echo "$params" >"$set_dir/.complete"
+  made_with=$params
 fi
+unrecorded="(parameters not recorded: remove the folder to remake it)"
+scale=$(sed -n 's/.*--scale \([^ ]*\).*/\1/p' <<<"$made_with")
+echo "set: $set_dir, made by sondrel-bench-dup_gen ${made_with:-$unrecorded}"
+echo "  scale ${scale:-unknown}: the part above 1 MiB of the nominal sizes (photos 2-8 MB," \
+  "documents 1-5 MB, videos 100-700 MB) is multiplied by it"
+echo "  $(find "$set_dir" -type f -size +1023k | wc -l) files over 1 MiB," \
+  "$(du -sb "$set_dir" | cut -f1) bytes ($(du -sh "$set_dir" | cut -f1)) in all;" \
+  "$(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg)"
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -76,8 +91,8 @@ fi
 
 ratio() { echo "$1 / $2" | bc -l; }
 echo
-echo "set: $set_dir ($(find "$set_dir" -type f -size +1023k | wc -l) files over 1 MiB," \
-  "$(du -sh "$set_dir" | cut -f1)); $(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg)"
+echo "set: $set_dir (${made_with:-parameters not recorded}); load after the runs" \
+  "$(cut -d' ' -f1-3 /proc/loadavg)"
 printf '%-9s %8s %8s %10s %8s %11s %9s %9s %10s\n' tool "warm s" "x floor" "x sondrel" "cpu s" \
   "peak RSS MB" "cold s" "x floor" "x sondrel"
 for tool in "${order[@]}"; do
@@ -170,3 +185,6 @@ for tool in ("jdupes", "rmlint", "fdupes"):
     for a, b in (only_ours[:4] + only_theirs[:4]):
         print("   %s  ~  %s" % (os.path.basename(a), os.path.basename(b)))
 EOF
+
+# The verify step on the traps the sampled digest cannot tell apart (not timed).
+"$top/bench/dups_trap_check.sh" "$cli" "$set_dir" "$scratch/sondrel.json" || true

@@ -199,6 +199,10 @@ int runDupsTrash(CommandContext& context, const std::optional<std::string>& keep
         for (const std::string& path : report.movedPaths) {
             json.value(path);
         }
+        json.endArray().key("alreadyGonePaths").beginArray();
+        for (const std::string& path : report.alreadyGonePaths) {
+            json.value(path);
+        }
         json.endArray().key("failures").beginArray();
         for (const DuplicateTrashFailure& failure : report.failures) {
             json.beginObject()

@@ -2,28 +2,50 @@
 
 #include "core/duplicates/duplicate_verify.h"
 
+#include <cerrno>
+#include <sys/stat.h>
+
 namespace sondrel {
 
 namespace {
 
-// The outcome of one selected copy: empty reason when it was moved.
-std::string trashOne(const DuplicateFile& file, const DuplicateFile* reference,
+// What became of one selected copy.
+struct CopyOutcome {
+    enum class Kind : unsigned char { moved, alreadyGone, failed };
+    Kind kind = Kind::failed;
+    std::string reason; ///< why it failed
+};
+
+// True when nothing at all is at `path`, not even a dangling link: the name itself is gone
+// (ENOENT), or a folder on the way to it has become something else (ENOTDIR).
+bool nothingAt(const std::string& path) {
+    struct stat info {};
+    return lstat(path.c_str(), &info) != 0 && (errno == ENOENT || errno == ENOTDIR);
+}
+
+CopyOutcome trashOne(const DuplicateFile& file, const DuplicateFile* reference,
                      const RemovalContext& context, const CancelToken& cancel) {
+    // The user removed it since the scan: what they asked for is already true, so it is not
+    // reported as a copy that could not be removed.
+    if (nothingAt(file.path)) {
+        return {CopyOutcome::Kind::alreadyGone, {}};
+    }
     if (reference != nullptr) {
         const CopyVerdict verdict = verifyCopy(file, *reference, cancel);
         if (verdict != CopyVerdict::identical) {
-            return describe(verdict);
+            return {CopyOutcome::Kind::failed, describe(verdict)};
         }
     }
     // The name must still be the verified file when it is moved.
     if (!isUnchangedSinceScan(file)) {
-        return describe(CopyVerdict::copyChanged);
+        return {CopyOutcome::Kind::failed, describe(CopyVerdict::copyChanged)};
     }
     const RemovalOutcome outcome = moveDuplicateToTrash(file.path, context);
     if (outcome.removed) {
-        return {};
+        return {CopyOutcome::Kind::moved, {}};
     }
-    return outcome.message.empty() ? std::string(describe(outcome.step)) : outcome.message;
+    return {CopyOutcome::Kind::failed,
+            outcome.message.empty() ? std::string(describe(outcome.step)) : outcome.message};
 }
 
 } // namespace
@@ -67,15 +89,21 @@ trashSelectedDuplicates(std::vector<DuplicateGroup> groups, const RemovalContext
                 break;
             }
             const bool isReference = i == referenceIndex;
-            const std::string reason =
+            const CopyOutcome outcome =
                 trashOne(file, isReference ? nullptr : &reference, context, cancel);
-            if (reason.empty()) {
+            if (outcome.kind == CopyOutcome::Kind::moved) {
                 gone[i] = true;
                 ++report.moved;
                 report.freed += file.size;
                 report.movedPaths.push_back(file.path);
+            } else if (outcome.kind == CopyOutcome::Kind::alreadyGone) {
+                // Counted as removed, but its bytes were freed by whoever removed it, not by
+                // this run: `freed` stays as it is.
+                gone[i] = true;
+                ++report.moved;
+                report.alreadyGonePaths.push_back(file.path);
             } else if (!cancel.isCancelled()) {
-                report.failures.push_back({file.path, reason});
+                report.failures.push_back({file.path, outcome.reason});
             }
             ++done;
             if (onProgress) {

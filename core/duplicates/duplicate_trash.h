@@ -23,18 +23,22 @@ struct DuplicateTrashFailure {
 
 /// The outcome of a trash run.
 struct DuplicateTrashReport {
+    /// Copies moved to the Trash plus selected copies that were already gone (nothing at their
+    /// path when their turn came): either way the copy is no longer there.
     std::size_t moved = 0;
-    std::int64_t freed = 0; ///< sum of the moved copies' sizes
-    std::vector<std::string> movedPaths;
+    std::int64_t freed = 0; ///< sum of the sizes of the copies this run moved (not the gone ones)
+    std::vector<std::string> movedPaths;       ///< the copies this run moved
+    std::vector<std::string> alreadyGonePaths; ///< the selected copies that were already gone
     std::vector<DuplicateTrashFailure> failures;
-    /// The groups afterwards, in the same order: moved copies are gone, failed copies stay
-    /// (still selected), groups left with fewer than two files are dropped.
+    /// The groups afterwards, in the same order: moved and already gone copies are dropped,
+    /// failed copies stay (still selected), groups left with fewer than two files are dropped.
     std::vector<DuplicateGroup> remaining;
     bool cancelled = false; ///< stopped early; copies not reached stay as they were
 };
 
 /// Moves every selected copy of `groups` to the Trash, group by group and file by file in
-/// order. In each group the reference is the first unselected file (when every file is
+/// order. A selected copy with nothing at its path counts as removed without being verified.
+/// In each group the reference is the first unselected file (when every file is
 /// selected, the first file, which is then trashed last and only checked unchanged). Each other
 /// selected copy is trashed only when verifyCopy finds it identical to the reference; otherwise
 /// it counts as failed with the verdict as reason. `onProgress(done, total)` (may be empty) is

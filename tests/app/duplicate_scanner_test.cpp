@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
+#include <QImageReader>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -173,6 +175,42 @@ private slots:
         auto* running = new DuplicateScanner(Locations::forLinux(home().toStdString()));
         running->scan();
         delete running;
+    }
+
+    // Thumbnails only for files the image reader of the named format accepts.
+    void thumbnailsOnlyForDecodableImages() {
+        const QString pictures = home() + "/Pictures";
+        QDir().mkpath(pictures);
+        QImage image(64, 64, QImage::Format_RGB32);
+        image.fill(Qt::darkCyan);
+        QVERIFY(image.save(pictures + "/real.png", "PNG"));
+        QVERIFY(QFile::copy(pictures + "/real.png", pictures + "/png-named.jpg"));
+        writeRandom(pictures + "/noise.gif", 4096, 4, 1700000000);
+        QFile webp(pictures + "/tiny.webp"); // a RIFF WebP header, readable only with a reader
+        QVERIFY(webp.open(QIODevice::WriteOnly));
+        webp.write(QByteArray("RIFF\x1a\0\0\0WEBPVP8L\x0d\0\0\0\x2f\0\0\0\x10\x07\x10\x11"
+                              "\x11\x88\x88\xfe\x07\0",
+                              34));
+        webp.close();
+        QVERIFY(QFile::link(pictures + "/real.png", pictures + "/link.png"));
+
+        sondrel::DuplicateGroup group;
+        std::uint64_t id = 0;
+        for (const char* name :
+             {"real.png", "png-named.jpg", "noise.gif", "tiny.webp", "link.png", "missing.png"}) {
+            sondrel::DuplicateFile file;
+            file.id = ++id;
+            file.path = (pictures + "/" + name).toStdString();
+            file.size = 4096;
+            group.files.push_back(file);
+        }
+        const auto thumbnails = sondrel::DuplicateGroupsModel::thumbnailFiles({group});
+        QVERIFY(thumbnails.contains(1));
+        QVERIFY(!thumbnails.contains(2)); // PNG bytes behind a JPEG name
+        QVERIFY(!thumbnails.contains(3));
+        QCOMPARE(thumbnails.contains(4), QImageReader::supportedImageFormats().contains("webp"));
+        QVERIFY(!thumbnails.contains(5)); // links are not followed
+        QVERIFY(!thumbnails.contains(6));
     }
 
     void labelsUseThisPlatformsWords() {

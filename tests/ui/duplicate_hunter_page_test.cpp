@@ -1,7 +1,8 @@
 // The Duplicate Hunter page rendered offscreen over a temporary home: empty state, a scan's
-// groups and summary, Keep Newest, the confirmation and result dialogs of a trash run, and the
-// empty state again afterwards. No QML warning is allowed. With SONDREL_SCREENSHOT set, the page
-// with its results is saved there.
+// groups and summary, Keep Newest, the confirmation (Enter keeps everything) and result dialogs
+// of a trash run, and the empty state again afterwards; pictures that cannot be decoded; Cancel
+// and Escape during a scan. No QML warning is allowed. With SONDREL_SCREENSHOT_DIR set, the page
+// with its results is saved there as duplicate-hunter.png.
 
 #include "app/duplicate_scanner.h"
 #include "core/model/byte_format.h"
@@ -85,10 +86,10 @@ private slots:
 
         DuplicateScanner scanner(Locations::forLinux(home.toStdString()));
         PageView view;
-        QCOMPARE(view.load("qrc:/Sondrel/qml/duplicates/DuplicateHunterPage.qml",
-                           {{"scanner", QVariant::fromValue<QObject*>(&scanner)}}, {1080, 760}),
-                 QString());
-        QQuickItem* page = view.page();
+        QQuickItem* page = loadPage(view, scanner);
+        QVERIFY(page);
+        view.view().requestActivate();
+        QVERIFY(QTest::qWaitForWindowActive(&view.view()));
 
         scanFromEmptyState(page, scanner);
         if (QTest::currentTestFailed()) {
@@ -103,20 +104,34 @@ private slots:
 
         // Let the thumbnails load, then keep a picture of the results when asked to.
         QTest::qWait(400);
-        const QString screenshot = qEnvironmentVariable("SONDREL_SCREENSHOT");
-        if (!screenshot.isEmpty()) {
-            QVERIFY(view.view().grabWindow().save(screenshot));
+        const QString screenshots = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
+        if (!screenshots.isEmpty()) {
+            QVERIFY(view.view().grabWindow().save(screenshots + "/duplicate-hunter.png"));
         }
 
         QVERIFY(
             QMetaObject::invokeMethod(page->findChild<QObject*>("keepNewestButton"), "clicked"));
         QCOMPARE(textOf(page, "trashButton"), QString("Trash Selected (4)"));
 
+        // The confirmation opens on Cancel: Enter closes it and nothing moves.
+        QSignalSpy finished(&scanner, &DuplicateScanner::trashFinished);
         QVERIFY(QMetaObject::invokeMethod(page->findChild<QObject*>("trashButton"), "clicked"));
         auto* confirm = page->findChild<QObject*>("trashConfirmDialog");
         QVERIFY(confirm);
         QTRY_VERIFY(confirm->property("opened").toBool());
-        QSignalSpy finished(&scanner, &DuplicateScanner::trashFinished);
+        QTRY_VERIFY(findObject(page, "cancelTrashButton")->property("activeFocus").toBool());
+        if (!screenshots.isEmpty()) {
+            QTest::qWait(200); // the dialog's opening transition
+            QVERIFY(view.view().grabWindow().save(screenshots + "/duplicate-hunter-confirm.png"));
+        }
+        QTest::keyClick(&view.view(), Qt::Key_Return);
+        QTRY_VERIFY(!confirm->property("visible").toBool());
+        QVERIFY(!scanner.isTrashing());
+        QCOMPARE(finished.count(), 0);
+        QVERIFY(QFileInfo::exists(home + "/Pictures/Lake at dawn.png"));
+
+        QVERIFY(QMetaObject::invokeMethod(page->findChild<QObject*>("trashButton"), "clicked"));
+        QTRY_VERIFY(confirm->property("opened").toBool());
         auto* move = page->findChild<QObject*>("moveToTrashButton");
         QVERIFY(move);
         QVERIFY(QMetaObject::invokeMethod(move, "clicked"));
@@ -134,6 +149,97 @@ private slots:
         QVERIFY(QFileInfo::exists(home + "/Desktop/Birthday.mp4"));
         QVERIFY(!QFileInfo::exists(home + "/Videos/Birthday.mp4"));
         QTRY_VERIFY(isShown(page, "emptyState"));
+    }
+
+    // A ".jpg" that is no JPEG shows the icon rather than an Image that fails to decode; a real
+    // picture shows its thumbnail.
+    void undecodablePicturesShowTheIcon() {
+        QTest::failOnWarning(sondrel::test::anyWarning());
+        QTemporaryDir dir;
+        const QString home = dir.filePath("home");
+        writeRandom(home + "/Pictures/Noise.jpg", 1500000, 9, 1690000000);
+        copyWithTime(home + "/Pictures/Noise.jpg", home + "/Downloads/Noise.jpg", 1700000000);
+        writePicture(home + "/Pictures/Sky.png", QColor(20, 60, 120), QColor(200, 220, 255),
+                     1690000000);
+        copyWithTime(home + "/Pictures/Sky.png", home + "/Downloads/Sky.png", 1700000000);
+
+        DuplicateScanner scanner(Locations::forLinux(home.toStdString()));
+        PageView view;
+        QQuickItem* page = loadPage(view, scanner);
+        QVERIFY(page);
+        scanFromEmptyState(page, scanner);
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QCOMPARE(textOf(page, "setsText"), QString("2 Duplicate Sets"));
+        QStringList withThumbnail;
+        DuplicateGroupsModel* groups = scanner.groups();
+        for (int row = 0; row < groups->rowCount(); ++row) {
+            const QVariantList files =
+                groups->data(groups->index(row), DuplicateGroupsModel::filesRole).toList();
+            for (const QVariant& file : files) {
+                if (!file.toMap().value("thumbnailUrl").toUrl().isEmpty()) {
+                    withThumbnail.append(file.toMap().value("name").toString());
+                }
+            }
+        }
+        QCOMPARE(withThumbnail, (QStringList{"Sky.png", "Sky.png"}));
+        QTest::qWait(400); // long enough for an Image to load, or to warn that it cannot
+    }
+
+    // "Cancel" and Escape stop a running scan at once; the groups shown stay as they were.
+    void cancelAndEscapeStopAScan() {
+        QTest::failOnWarning(sondrel::test::anyWarning());
+        QTemporaryDir dir;
+        const QString home = dir.filePath("home");
+        writeRandom(home + "/Documents/Report.pdf", 1200000, 10, 1680000000);
+        copyWithTime(home + "/Documents/Report.pdf", home + "/Downloads/Report.pdf", 1700000000);
+
+        DuplicateScanner scanner(Locations::forLinux(home.toStdString()));
+        PageView view;
+        QQuickItem* page = loadPage(view, scanner);
+        QVERIFY(page);
+        view.view().requestActivate();
+        QVERIFY(QTest::qWaitForWindowActive(&view.view()));
+        scanFromEmptyState(page, scanner);
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+        QVERIFY(!isShown(page, "cancelScanButton"));
+        QSignalSpy finished(&scanner, &DuplicateScanner::scanFinished);
+
+        // No event is processed between the start and the stop, so the scan is still running.
+        QVERIFY(QMetaObject::invokeMethod(findObject(page, "scanButton"), "clicked"));
+        QVERIFY(scanner.isScanning());
+        QVERIFY(isShown(page, "cancelScanButton"));
+        QCOMPARE(textOf(page, "cancelScanButton"), QString("Cancel"));
+        QVERIFY(QMetaObject::invokeMethod(findObject(page, "cancelScanButton"), "clicked"));
+        QVERIFY(!scanner.isScanning());
+        QVERIFY(!isShown(page, "cancelScanButton"));
+
+        QVERIFY(QMetaObject::invokeMethod(findObject(page, "scanButton"), "clicked"));
+        QVERIFY(scanner.isScanning());
+        QTest::keyClick(&view.view(), Qt::Key_Escape);
+        QVERIFY(!scanner.isScanning());
+
+        QTest::qWait(300);
+        QCOMPARE(finished.count(), 0); // the stopped scans publish nothing
+        QCOMPARE(scanner.statusMessage(), QString());
+        QCOMPARE(textOf(page, "setsText"), QString("1 Duplicate Sets"));
+        QVERIFY(isShown(page, "summaryBar"));
+    }
+
+private:
+    // Loads the page over `scanner` in `view`; null (with the test failed) when it did not load.
+    static QQuickItem* loadPage(PageView& view, DuplicateScanner& scanner) {
+        const QString error =
+            view.load("qrc:/Sondrel/qml/duplicates/DuplicateHunterPage.qml",
+                      {{"scanner", QVariant::fromValue<QObject*>(&scanner)}}, {1080, 760});
+        if (!error.isEmpty()) {
+            QTest::qFail(qPrintable(error), __FILE__, __LINE__);
+            return nullptr;
+        }
+        return view.page();
     }
 };
 

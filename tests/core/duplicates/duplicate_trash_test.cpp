@@ -191,6 +191,39 @@ TEST(DuplicateTrash, KeepNewestLeavesTheNewestAndUnselectedCopiesStay) {
     EXPECT_EQ(none.remaining.size(), 1U);
 }
 
+TEST(DuplicateTrash, ACopyAlreadyGoneCountsAsRemovedAndLeavesItsGroup) {
+    DupHome home;
+    const std::string first = randomBytes(1300000, 28);
+    const std::string second = randomBytes(1600000, 29);
+    home.put("a.jpg", first, 1700000000);
+    const std::string goneFromThree = home.put("b.jpg", first, 1700000100);
+    const std::string differing = home.put("c.jpg", first, 1700000200);
+    test::flipByte(differing, 600000);
+    home.put("x.jpg", second, 1700000000);
+    const std::string goneFromTwo = home.put("y.jpg", second, 1700000100);
+    const std::vector<DuplicateGroup> groups = home.scan();
+    ASSERT_EQ(groups.size(), 2U);
+    ASSERT_EQ(unlink(goneFromThree.c_str()), 0);
+    ASSERT_EQ(unlink(goneFromTwo.c_str()), 0);
+
+    const DuplicateTrashReport report = home.trash(groups);
+    EXPECT_EQ(report.moved, 2U);
+    EXPECT_EQ(report.freed, 0); // removed by someone else: nothing freed by this run
+    EXPECT_TRUE(report.movedPaths.empty());
+    EXPECT_EQ(report.alreadyGonePaths, (std::vector<std::string>{goneFromThree, goneFromTwo}));
+    ASSERT_EQ(report.failures.size(), 1U);
+    EXPECT_EQ(report.failures[0].path, differing);
+    // The set of two is gone; the set of three keeps its kept copy and the refused one.
+    ASSERT_EQ(report.remaining.size(), 1U);
+    ASSERT_EQ(report.remaining[0].files.size(), 2U);
+    EXPECT_EQ(report.remaining[0].files[0].name(), "a.jpg");
+    EXPECT_EQ(report.remaining[0].files[1].path, differing);
+    EXPECT_TRUE(report.remaining[0].files[1].isSelected);
+    EXPECT_FALSE(exists(home.trashFiles + "/b.jpg"));
+    EXPECT_EQ(duplicateTrashResultText(report.moved, report.freed, report.failures.size()),
+              "Moved 2 duplicate files (Zero KB) to Trash. 1 file(s) could not be removed.");
+}
+
 TEST(DuplicateTrash, EveryCopySelectedTrashesTheWholeGroup) {
     DupHome home;
     const std::string bytes = randomBytes(1100000, 26);

@@ -40,6 +40,7 @@ Item {
         parent: Overlay.overlay
         anchors.centerIn: parent
         modal: true
+        focus: true
         width: 440
         padding: 20
         topPadding: 8
@@ -77,19 +78,26 @@ Item {
             Item {
                 Layout.fillWidth: true
             }
+            // Cancel holds the focus when the dialog opens: Enter (or Escape) changes nothing.
             ThemedButton {
+                objectName: "cancelTrashButton"
                 theme: dialogs.theme
                 text: dialogs.labels.cancel
+                focus: true
+                Layout.bottomMargin: 16
+                Keys.onReturnPressed: clicked()
+                Keys.onEnterPressed: clicked()
                 onClicked: confirm.close()
             }
             ThemedButton {
                 objectName: "moveToTrashButton"
                 theme: dialogs.theme
                 text: dialogs.labels.moveToTrash
-                prominent: true
-                focus: true
+                destructive: true
                 Layout.rightMargin: 20
                 Layout.bottomMargin: 16
+                Keys.onReturnPressed: clicked()
+                Keys.onEnterPressed: clicked()
                 onClicked: {
                     confirm.close()
                     dialogs.scanner.trashSelected()

@@ -4,7 +4,8 @@ import QtQuick.Layouts
 import "../components"
 
 // One duplicate group: its heading ("Each file: 5 MB · 3 copies") and one row per copy with
-// its thumbnail or icon, name, path, date, the selection toggle and "Show in Files".
+// its selection toggle, thumbnail or icon, name, path, date and "Show in Files" (this
+// platform's words for revealing a file, from the scanner's labels).
 Card {
     id: section
 
@@ -45,12 +46,36 @@ Card {
                 Layout.fillWidth: true
 
                 CheckBox {
+                    id: toggle
                     objectName: "fileToggle"
                     checked: row.modelData.isSelected
                     Accessible.name: row.modelData.name
                     ToolTip.visible: hovered
                     ToolTip.text: row.modelData.isSelected ? "Will be moved to the Trash" : "Kept"
                     onToggled: section.toggleFile(row.modelData.fileId)
+
+                    // Drawn in the theme rather than the style's light box.
+                    indicator: Rectangle {
+                        implicitWidth: 18
+                        implicitHeight: 18
+                        x: toggle.leftPadding
+                        y: (toggle.height - height) / 2
+                        radius: 5
+                        color: toggle.checked ? section.theme.accent : "transparent"
+                        border.width: toggle.visualFocus ? 2 : 1.5
+                        border.color: toggle.visualFocus ? section.theme.textPrimary
+                                                         : (toggle.checked
+                                                            ? section.theme.accent
+                                                            : section.theme.textSecondary)
+
+                        Icon {
+                            anchors.centerIn: parent
+                            visible: toggle.checked
+                            name: "checkmark"
+                            color: "white"
+                            size: 12
+                        }
+                    }
                 }
                 Item {
                     Layout.preferredWidth: 36

@@ -3,8 +3,9 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import "../components"
 
-// The duplicate finder: scan button and status, then either the empty state or the summary line
-// with the selection buttons and one section per duplicate group. Everything it shows comes
+// The duplicate finder: scan button and status (with "Cancel", or Escape, while a scan runs),
+// then either the empty state or the summary line with the selection buttons and one section
+// per duplicate group. Everything it shows comes
 // from the scanner and its groups model; every action is one call on the scanner.
 Rectangle {
     id: page
@@ -31,6 +32,11 @@ Rectangle {
         enabled: page.visible && !page.busy
         onActivated: page.scanner.scan()
     }
+    Shortcut {
+        sequence: StandardKey.Cancel
+        enabled: page.visible && page.scanner.isScanning
+        onActivated: page.scanner.cancel()
+    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -54,6 +60,14 @@ Rectangle {
                 running: visible
                 Layout.preferredWidth: 28
                 Layout.preferredHeight: 28
+            }
+            ThemedButton {
+                objectName: "cancelScanButton"
+                visible: page.scanner.isScanning
+                theme: page.theme
+                text: page.labels.cancel
+                symbol: "xmark.circle.fill"
+                onClicked: page.scanner.cancel()
             }
             ThemedButton {
                 objectName: "scanFolderButton"
@@ -180,7 +194,7 @@ Rectangle {
                     theme: page.theme
                     text: page.labels.trashButton.arg(page.scanner.selectedCount)
                     symbol: "trash.fill"
-                    prominent: true
+                    destructive: true
                     enabled: !page.busy && page.scanner.selectedCount > 0
                     onClicked: dialogs.confirmTrash()
                 }
