@@ -115,6 +115,10 @@ AppRoot::AppRoot(Locations locations, QObject* parent)
       m_duplicateScanner(new DuplicateScanner(*m_locations, this)),
       m_selectedTargetFolder(toFileQString(m_locations->home)) {
     m_largeFileSearch = new LargeFileSearch(*m_locations, this);
+    // The search page offers the window's target folder when it is a folder of the user's own.
+    m_largeFileSearch->setTargetFolder(m_selectedTargetFolder);
+    connect(this, &AppRoot::selectedTargetFolderChanged, m_largeFileSearch,
+            [this] { m_largeFileSearch->setTargetFolder(m_selectedTargetFolder); });
     m_junkScanner = new JunkScanner(*m_locations, this);
     m_appScanner = new AppScanner(
         *m_locations, SystemRoots::forThisMachine(),

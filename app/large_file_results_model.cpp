@@ -187,6 +187,13 @@ QString LargeFileResultsModel::showAllText() const {
     return fromView(sondrel::showAllText(m_filtered.rows.size()));
 }
 
+QString LargeFileResultsModel::emptyText() const {
+    if (m_files.empty()) {
+        return fromView(kNoLargeFilesText);
+    }
+    return m_filtered.rows.empty() ? fromView(kNoMatchesText) : QString();
+}
+
 void LargeFileResultsModel::showAll() {
     if (!canShowAll()) {
         return;

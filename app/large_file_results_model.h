@@ -38,6 +38,9 @@ class LargeFileResultsModel : public QAbstractListModel {
     /// True while the cap hides filtered files; then showAllText reads "Show All (N Files)".
     Q_PROPERTY(bool canShowAll READ canShowAll NOTIFY rowsChanged)
     Q_PROPERTY(QString showAllText READ showAllText NOTIFY rowsChanged)
+    /// What the list says when it has no rows: "No large files found" when there are no files
+    /// at all, "No files match the filters" when the filter hides every one; "" with rows.
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY rowsChanged)
     /// Selected files, all among the shown rows (a refilter drops those it hides).
     Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectionChanged)
     /// The row that keyboard actions apply to (-1: none).
@@ -90,6 +93,7 @@ public:
     QString footerText() const;
     bool canShowAll() const { return m_shown < m_filtered.rows.size(); }
     QString showAllText() const;
+    QString emptyText() const;
     int selectedCount() const { return static_cast<int>(m_selected.size()); }
     int currentRow() const { return m_currentRow; }
     void setCurrentRow(int row);

@@ -10,8 +10,9 @@
 #include "platform/locations.h"
 #include "platform/search_roots.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace sondrel {
 
@@ -24,6 +25,9 @@ QString fromView(std::string_view text) {
 QString platformText(std::string_view text) {
     return fromView(withPlatformTerms(text, currentTextPlatform()));
 }
+
+// Folder names longer than this are shortened in the "Scan NAME" button.
+constexpr qsizetype kTargetNameLength = 24;
 
 } // namespace
 
@@ -46,6 +50,8 @@ LargeFileSearch::LargeFileSearch(const Locations& locations, QObject* parent)
       m_results(new LargeFileResultsModel(this)), m_statusText(fromView(kSearchReadyText)) {
     connect(&m_searchJob, &BackgroundJob::busyChanged, this, &LargeFileSearch::isSearchingChanged);
     connect(&m_trashJob, &BackgroundJob::busyChanged, this, &LargeFileSearch::isTrashingChanged);
+    connect(&m_searchJob, &BackgroundJob::busyChanged, this, &LargeFileSearch::canTrashChanged);
+    connect(&m_trashJob, &BackgroundJob::busyChanged, this, &LargeFileSearch::canTrashChanged);
 }
 
 LargeFileSearch::~LargeFileSearch() = default;
@@ -60,9 +66,7 @@ QVariantMap LargeFileSearch::labels() {
         {QStringLiteral("scanDrive"), QStringLiteral("Scan Drive")},
         {QStringLiteral("scanHome"), QStringLiteral("Scan Home Directory")},
         {QStringLiteral("noSearchRun"), fromView(kNoSearchRunText)},
-        {QStringLiteral("noSearchRunHint"),
-         QStringLiteral("Find every file of 20 MB and more in your folders.")},
-        {QStringLiteral("noMatches"), QStringLiteral("No files match the filters")},
+        {QStringLiteral("noSearchRunHint"), fromView(searchHintText())},
         {QStringLiteral("reveal"), platformText(kRevealText)},
         {QStringLiteral("moveToTrash"), fromView(kMoveToTrashText)},
         {QStringLiteral("moveSelectedToTrash"), QStringLiteral("Move Selected to Trash")},
@@ -82,6 +86,33 @@ void LargeFileSearch::scanFolder(const QString& folder) {
     if (!folder.isEmpty()) {
         start(toPathBytes(folder), false);
     }
+}
+
+void LargeFileSearch::scanTarget() {
+    if (m_customTarget) {
+        scanFolder(m_targetFolder);
+    }
+}
+
+void LargeFileSearch::setTargetFolder(const QString& folder) {
+    const bool custom = !folder.isEmpty() && QDir::cleanPath(folder) != QLatin1String("/") &&
+                        !isHomeFolder(*m_locations, toPathBytes(folder));
+    if (folder != m_targetFolder || custom != m_customTarget) {
+        m_targetFolder = folder;
+        m_customTarget = custom;
+        emit targetFolderChanged();
+    }
+}
+
+QString LargeFileSearch::scanTargetText() const {
+    if (!m_customTarget) {
+        return {};
+    }
+    QString name = QFileInfo(QDir::cleanPath(m_targetFolder)).fileName();
+    if (name.size() > kTargetNameLength) {
+        name = name.left(kTargetNameLength - 1) + QChar(0x2026);
+    }
+    return QStringLiteral("Scan ") + name;
 }
 
 void LargeFileSearch::start(std::optional<std::string> target, bool wholeDrive) {
@@ -127,8 +158,11 @@ void LargeFileSearch::publish(Run& run) {
     if (run.result.cancelled || m_cancelRequested) {
         status = fromView(searchCancelledText(found));
     } else if (walked == 0 || (run.singleTarget && !run.result.roots.front().walked)) {
-        status = fromView(searchRootsMissingText(run.roots.empty() ? "" : run.roots.front(),
-                                                 run.singleTarget ? 1 : run.roots.size()));
+        status =
+            run.singleTarget
+                ? fromView(searchRootFailedText(run.roots.front(), run.result.roots.front().error))
+                : fromView(searchRootsMissingText(run.roots.empty() ? "" : run.roots.front(),
+                                                  run.roots.size()));
     } else {
         status = fromView(searchFinishedText(found));
     }
@@ -166,15 +200,12 @@ QString LargeFileSearch::trashQuestion() const {
 
 void LargeFileSearch::trashSelected() {
     const std::vector<std::string> paths = m_results->selectedPaths();
-    if (isSearching() || isTrashing() || paths.empty()) {
+    // Without roots forUser would allow the whole home; a search that walked nothing found
+    // nothing to trash either.
+    if (!canTrash() || paths.empty() || m_roots.empty()) {
         return;
     }
-    RemovalContext context;
-    context.trash.home = m_locations->home;
-    context.trash.dataHome = m_locations->dataHome;
-    context.trash.uid = getuid();
-    context.trash.gid = getgid();
-    context.allowedRoots = m_roots;
+    const RemovalContext context = RemovalContext::forUser(*m_locations, m_roots);
     // The rows belong to this search; a newer one's rows are not touched by the outcome.
     const std::uint64_t search = m_searchJob.generation();
     m_trashJob.start(
@@ -206,20 +237,35 @@ void LargeFileSearch::trashSelected() {
             if (search == m_searchJob.generation()) {
                 m_results->removePaths(outcome->moved);
             }
-            m_noticeText = outcome->report;
-            emit noticeTextChanged();
+            setNoticeText(outcome->report);
         });
 }
 
-bool LargeFileSearch::revealRow(int row) const {
+bool LargeFileSearch::revealRow(int row) {
     const LargeFile* file = m_results->fileAt(row);
-    return file != nullptr && revealInFileManager(toFileQString(file->path));
+    if (file == nullptr) {
+        return false;
+    }
+    struct stat info {};
+    // A file trashed or moved since the search: the file manager would show its old folder.
+    if (lstat(file->path.c_str(), &info) != 0 || !revealInFileManager(toFileQString(file->path))) {
+        setNoticeText(fromView(revealFailedText(file->name, currentTextPlatform())));
+        return false;
+    }
+    return true;
 }
 
 void LargeFileSearch::setStatusText(const QString& text) {
     if (text != m_statusText) {
         m_statusText = text;
         emit statusTextChanged();
+    }
+}
+
+void LargeFileSearch::setNoticeText(const QString& text) {
+    if (text != m_noticeText) {
+        m_noticeText = text;
+        emit noticeTextChanged();
     }
 }
 

@@ -18,6 +18,7 @@
 
 #include <cerrno>
 #include <clocale>
+#include <cmath>
 #include <cstring>
 #include <ctime>
 #include <mutex>
@@ -58,7 +59,8 @@ std::int64_t parseSize(const std::string& text) {
     } else if (unit == "t") {
         factor = 1024.0 * 1024 * 1024 * 1024;
     }
-    if (used == 0 || factor == 0 || value < 0 || value * factor > 9.0e18) {
+    // NaN passes every comparison, so finiteness is checked first.
+    if (used == 0 || factor == 0 || !std::isfinite(value) || value < 0 || value * factor > 9.0e18) {
         throw UsageError("--min needs a size like 100M or 1G, not '" + text + "'");
     }
     return static_cast<std::int64_t>(value * factor);
@@ -204,12 +206,12 @@ int runLarge(CommandContext& context) {
     for (const SearchRootOutcome& root : result.roots) {
         walked += root.walked ? 1 : 0;
     }
+    if (target && !home && !result.roots.front().walked) {
+        return fail(context.err, searchRootFailedText(*target, result.roots.front().error));
+    }
     if (walked == 0) {
         return fail(context.err,
                     searchRootsMissingText(roots.empty() ? "" : roots.front(), roots.size()));
-    }
-    if (target && !home && !result.roots.front().walked) {
-        return fail(context.err, searchRootsMissingText(*target, 1));
     }
 
     const LargeFileList list(std::move(result.files));

@@ -1,7 +1,10 @@
 #include "core/search/search_texts.h"
 
 #include "core/model/byte_format.h"
+#include "core/search/large_file_search.h"
 #include "core/util/path_text.h"
+
+#include <cerrno>
 
 namespace sondrel {
 
@@ -57,6 +60,22 @@ std::string trashReportText(std::size_t moved, std::int64_t movedBytes, std::siz
         }
     }
     return text;
+}
+
+std::string revealFailedText(std::string_view name, TextPlatform platform) {
+    return "Could not show \u201c" + toDisplayText(name) + "\u201d in " +
+           withPlatformTerms("Finder", platform);
+}
+
+std::string searchRootFailedText(std::string_view root, int error) {
+    if (error == ENOTDIR) {
+        return "\u201c" + toDisplayText(root) + "\u201d is not a folder";
+    }
+    return searchRootsMissingText(root, 1);
+}
+
+std::string searchHintText() {
+    return "Find every file of " + formatBytes(kLargeFileMinimum) + " and more in your folders.";
 }
 
 std::string searchRootsMissingText(std::string_view onlyRoot, std::size_t rootCount) {

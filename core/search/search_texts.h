@@ -2,6 +2,8 @@
 // The texts of the large-file search, shared by the page and the command line. The words that
 // name macOS-only things are given as written; callers pass them through withPlatformTerms.
 
+#include "core/model/platform_terms.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -18,6 +20,9 @@ inline constexpr std::string_view kSearchReadyText = "Ready to search";
 inline constexpr std::string_view kSearchRunningText = "Scanning directories for large files...";
 /// The empty state's title before any search.
 inline constexpr std::string_view kNoSearchRunText = "No Search Run Yet";
+/// The list's text when it has no rows: the search found nothing, or the filter hides all.
+inline constexpr std::string_view kNoLargeFilesText = "No large files found";
+inline constexpr std::string_view kNoMatchesText = "No files match the filters";
 /// Row actions.
 inline constexpr std::string_view kRevealText = "Reveal in Finder";
 inline constexpr std::string_view kMoveToTrashText = "Move to Trash";
@@ -51,6 +56,18 @@ std::string trashReportText(std::size_t moved, std::int64_t movedBytes, std::siz
 /// Why a search found nothing to walk: "“NAME” cannot be read" for one root that failed, or
 /// "None of the search folders exist" for several.
 std::string searchRootsMissingText(std::string_view onlyRoot, std::size_t rootCount);
+
+/// When the file manager could not be asked to show a file: "Could not show “NAME” in Finder",
+/// the file manager named in `platform`'s words (NAME as display text, never translated).
+std::string revealFailedText(std::string_view name, TextPlatform platform);
+
+/// Why the one folder a search was given could not be walked, from the errno of opening it:
+/// "“NAME” is not a folder" (ENOTDIR), otherwise "“NAME” cannot be read".
+std::string searchRootFailedText(std::string_view root, int error);
+
+/// Hint of the empty state: "Find every file of 21 MB and more in your folders.", the size being
+/// the search's minimum as sizes are shown (so the smallest hit never reads below it).
+std::string searchHintText();
 
 /// `n` with thousands grouped by ',' ("12,345").
 std::string groupedCount(std::int64_t n);

@@ -1,6 +1,7 @@
 // LargeFileSearch's states: a folder search published on the GUI thread, a missing folder's
-// message, requests ignored while busy, cancel returning to idle at once, and destruction
-// during a search.
+// and a file's message, requests and trashing ignored while busy, cancel returning to idle at
+// once, destruction during a search, the main window's target folder, and a file that cannot
+// be shown.
 
 #include "app/large_file_search.h"
 #include "app/qt_conversions.h"
@@ -71,6 +72,74 @@ private slots:
         QTRY_VERIFY(!search.isSearching());
         QVERIFY(search.statusText().endsWith(QStringLiteral("missing\u201d cannot be read")));
         QCOMPARE(search.results()->rowCount(), 0);
+        QCOMPARE(search.results()->emptyText(), QStringLiteral("No large files found"));
+
+        search.scanFolder(m_dir.path() + "/data/big.iso");
+        QTRY_VERIFY(!search.isSearching());
+        QVERIFY(search.statusText().endsWith(QStringLiteral("big.iso\u201d is not a folder")));
+    }
+
+    void offersTheTargetFolderWhenItIsNotHomeOrTheDrive() {
+        LargeFileSearch search(locations());
+        QSignalSpy changed(&search, &LargeFileSearch::targetFolderChanged);
+        search.setTargetFolder(m_dir.path() + "/"); // the home folder: scanHome covers it
+        QVERIFY(!search.hasCustomTarget());
+        QCOMPARE(search.scanTargetText(), QString());
+        search.scanTarget(); // nothing to search
+        QVERIFY(!search.isSearching());
+        search.setTargetFolder(QStringLiteral("/"));
+        QVERIFY(!search.hasCustomTarget());
+        search.setTargetFolder(m_dir.path() + "/a-folder-with-a-rather-long-name");
+        QCOMPARE(search.scanTargetText(), QString::fromUtf8("Scan a-folder-with-a-rather-\u2026"));
+
+        search.setTargetFolder(m_dir.path() + "/data");
+        QVERIFY(search.hasCustomTarget());
+        QCOMPARE(search.scanTargetText(), QStringLiteral("Scan data"));
+        QCOMPARE(changed.count(), 4);
+        search.scanTarget();
+        QVERIFY(search.isSearching());
+        QTRY_VERIFY(!search.isSearching());
+        QCOMPARE(search.statusText(), QStringLiteral("Scan finished: found 1 large files"));
+        QCOMPARE(search.results()
+                     ->data(search.results()->index(0), LargeFileResultsModel::PathRole)
+                     .toString(),
+                 m_dir.path() + "/data/big.iso");
+    }
+
+    void trashWaitsForTheSearchAndAGoneFileCannotBeShown() {
+        writeFile(m_dir.path() + "/kept/keep.iso", 25 << 20);
+        writeFile(m_dir.path() + "/kept/gone.iso", 24 << 20);
+        LargeFileSearch search(locations());
+        QVERIFY(search.canTrash());
+        search.scanFolder(m_dir.path() + "/kept");
+        QVERIFY(!search.canTrash());
+        QTRY_VERIFY(!search.isSearching());
+        QVERIFY(search.canTrash());
+        QCOMPARE(search.results()->rowCount(), 2);
+
+        // A search running over the shown rows: a trash request does nothing.
+        QSignalSpy canTrash(&search, &LargeFileSearch::canTrashChanged);
+        search.results()->select(0);
+        search.scanFolder(m_dir.path());
+        QCOMPARE(canTrash.count(), 1);
+        search.trashSelected();
+        QVERIFY(!search.isTrashing());
+        QTRY_VERIFY(!search.isSearching());
+        QVERIFY(QFile::exists(m_dir.path() + "/kept/keep.iso"));
+        QCOMPARE(search.noticeText(), QString());
+
+        QVERIFY(!search.revealRow(-1)); // no such row: nothing to say
+        QCOMPARE(search.noticeText(), QString());
+        search.scanFolder(m_dir.path() + "/kept");
+        QTRY_VERIFY(!search.isSearching());
+        QVERIFY(QFile::remove(m_dir.path() + "/kept/gone.iso"));
+        QCOMPARE(search.results()
+                     ->data(search.results()->index(1), LargeFileResultsModel::NameRole)
+                     .toString(),
+                 QStringLiteral("gone.iso"));
+        QVERIFY(!search.revealRow(1));
+        QCOMPARE(search.noticeText(),
+                 QString::fromUtf8("Could not show \u201cgone.iso\u201d in Files"));
     }
 
     void cancelIsImmediateAndDestructionDuringASearchIsSafe() {

@@ -46,8 +46,12 @@ TEST(LargeCli, FindsFiltersAndReports) {
     EXPECT_EQ(folder.exitCode, 0);
     EXPECT_NE(folder.out.find("Showing 0 files"), std::string::npos);
 
-    EXPECT_EQ(runProcess({SONDREL_CLI_PATH, "large", "--min", "lots"}, {}, environment).exitCode,
-              2);
+    for (const char* size : {"lots", "nan", "NaNM", "inf", "-1G", "9000000T"}) {
+        const auto bad = runProcess({SONDREL_CLI_PATH, "large", "--min", size}, {}, environment);
+        EXPECT_EQ(bad.exitCode, 2) << size;
+        EXPECT_NE(bad.err.find("--min needs a size like 100M or 1G"), std::string::npos)
+            << size << ": " << bad.err;
+    }
     EXPECT_EQ(runProcess({SONDREL_CLI_PATH, "large", "--category", "Spreadsheets"}, {}, environment)
                   .exitCode,
               2);
@@ -55,6 +59,10 @@ TEST(LargeCli, FindsFiltersAndReports) {
         runProcess({SONDREL_CLI_PATH, "large", home + "/nowhere"}, {}, environment);
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_NE(missing.err.find("cannot be read"), std::string::npos) << missing.err;
+    const auto file =
+        runProcess({SONDREL_CLI_PATH, "large", home + "/Videos/Trip.MKV"}, {}, environment);
+    EXPECT_EQ(file.exitCode, 1);
+    EXPECT_NE(file.err.find("Trip.MKV\u201d is not a folder"), std::string::npos) << file.err;
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 // The "Intelligent Search" page in the main window offscreen, over a temporary home of sparse
 // files: the empty state, a home search that covers the cloud folder and skips pruned folders,
-// refiltering as the user types, the display cap's texts, and trashing one and several files
-// through the confirmation into the home Trash. No QML warning may appear.
+// refiltering as the user types, the display cap's texts, trashing one and several files
+// through the confirmation into the home Trash, and searching the main window's target folder
+// or the home again from the header. No QML warning may appear.
 
 #include "app/app_root.h"
 #include "app/qt_conversions.h"
@@ -127,6 +128,8 @@ private slots:
             QVERIFY2(texts.contains(QString::fromUtf8(text)), text);
         }
         QVERIFY(!item("resultsList")->isVisible());
+        QVERIFY(!item("searchHomeAgainButton")->isVisible()); // the empty state has its own
+        QVERIFY(!item("searchTargetButton")->isVisible());
     }
 
     void searchesTheHomeAndRefiltersAsTheUserTypes() {
@@ -140,6 +143,16 @@ private slots:
         QCOMPARE(item("footerText")->property("text").toString(),
                  QString::fromUtf8("Showing 8 files \u00b7 Total: 28.94 GB"));
         QVERIFY(!item("showAllButton")->isVisible());
+
+        // After a search the header offers every search; the window's target once it is a
+        // folder other than the home.
+        QVERIFY(item("searchHomeAgainButton")->isVisible());
+        QVERIFY(item("searchDriveButton")->isVisible());
+        QVERIFY(!item("searchTargetButton")->isVisible());
+        m_root->scanFolder(home() + "/Videos");
+        QTRY_VERIFY(item("searchTargetButton")->isVisible());
+        QCOMPARE(item("searchTargetButton")->property("text").toString(),
+                 QStringLiteral("Scan Videos"));
 
         const QString screenshots = qEnvironmentVariable("SONDREL_SCREENSHOT_DIR");
         if (!screenshots.isEmpty()) {
@@ -207,6 +220,37 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!search()->isTrashing() && results()->rowCount() == 5, kTimeoutMs);
         QVERIFY(!QFile::exists(home() + "/Dropbox/Photos backup.zip"));
         QVERIFY(!QFile::exists(home() + "/Documents/Thesis scans.pdf"));
+    }
+
+    void searchesTheTargetFolderAndTheHomeAgain() {
+        click(item("searchTargetButton"));
+        QTRY_VERIFY_WITH_TIMEOUT(!search()->isSearching(), kTimeoutMs);
+        QCOMPARE(search()->statusText(), QStringLiteral("Scan finished: found 2 large files"));
+        QCOMPARE(results()->data(results()->index(0), LargeFileResultsModel::NameRole).toString(),
+                 QStringLiteral("Holiday 2025.mkv"));
+
+        // Only a pruned, a hidden and a too small file remain in Downloads.
+        m_root->scanFolder(home() + "/Downloads");
+        QTRY_COMPARE(item("searchTargetButton")->property("text").toString(),
+                     QStringLiteral("Scan Downloads"));
+        click(item("searchTargetButton"));
+        if (search()->isSearching()) { // the rows of the last search cannot be trashed now
+            QVERIFY(!item("searchTrashButton")->isEnabled());
+            QVERIFY(!item("searchHomeAgainButton")->isVisible());
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(!search()->isSearching(), kTimeoutMs);
+        QCOMPARE(results()->rowCount(), 0);
+        QTRY_VERIFY(item("noMatchesText")->isVisible());
+        QCOMPARE(item("noMatchesText")->property("text").toString(),
+                 QStringLiteral("No large files found"));
+
+        m_root->scanHomeFolder();
+        QTRY_VERIFY(!item("searchTargetButton")->isVisible());
+        click(item("searchHomeAgainButton"));
+        QTRY_VERIFY_WITH_TIMEOUT(!search()->isSearching() && results()->rowCount() == 5,
+                                 kTimeoutMs);
+        QVERIFY(!item("noMatchesText")->isVisible());
+        QVERIFY(item("searchTrashButton")->isEnabled());
     }
 };
 

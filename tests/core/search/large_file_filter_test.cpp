@@ -1,11 +1,13 @@
 // The filter behind the search page: trimmed, case-insensitive name match, the size options'
 // "at least" rule, the category, the orders, the cap and removal after a trash.
 
+#include "core/model/byte_format.h"
 #include "core/search/large_file_filter.h"
 #include "core/search/search_texts.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <clocale>
 #include <string>
 #include <vector>
@@ -120,6 +122,21 @@ TEST(SearchText, TrimAndFold) {
     EXPECT_EQ(foldForSearch("ABC\xff"), "abc\xff");
     EXPECT_EQ(groupedCount(1234567), "1,234,567");
     EXPECT_EQ(groupedCount(999), "999");
+}
+
+TEST(SearchText, MessagesSayWhatHappened) {
+    EXPECT_EQ(searchRootFailedText("/d/movie.mkv", ENOTDIR),
+              "\u201c/d/movie.mkv\u201d is not a folder");
+    EXPECT_EQ(searchRootFailedText("/d/gone", ENOENT), "\u201c/d/gone\u201d cannot be read");
+    // The smallest hit (exactly the minimum) reads as the size the hint promises.
+    EXPECT_EQ(searchHintText(), "Find every file of " + formatBytes(kLargeFileMinimum) +
+                                    " and more in your folders.");
+    EXPECT_EQ(formatBytes(kLargeFileMinimum), "21 MB");
+    // Only the file manager's name follows the platform; a file name is never translated.
+    EXPECT_EQ(revealFailedText("Finder \xff.iso", TextPlatform::gnuLinux),
+              "Could not show \u201cFinder \ufffd.iso\u201d in Files");
+    EXPECT_EQ(revealFailedText("a.iso", TextPlatform::macos),
+              "Could not show \u201ca.iso\u201d in Finder");
 }
 
 } // namespace

@@ -3,8 +3,8 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import "../components"
 
-// The search field, the size, type and order menus, and "Scan Drive". Every change goes to the
-// results model, which refilters without a new search.
+// The search field and the size, type and order menus. Every change goes to the results model,
+// which refilters without a new search.
 RowLayout {
     id: bar
 
@@ -103,14 +103,5 @@ RowLayout {
         onActivated: index => bar.results.sortOption = index
         Accessible.name: bar.labels.sortLabel
         implicitWidth: 90
-    }
-    ThemedButton {
-        objectName: "scanDriveButton"
-        theme: bar.theme
-        text: bar.labels.scanDrive
-        symbol: "internaldrive.fill"
-        prominent: true
-        enabled: !bar.search.isSearching && !bar.search.isTrashing
-        onClicked: bar.search.scanDrive()
     }
 }

@@ -21,6 +21,8 @@ Rectangle {
     required property var theme
     required property var labels
     property bool current: false
+    // False while a search or a trash runs: the row cannot be trashed then.
+    property bool canTrash: true
 
     signal clicked(int modifiers)
     signal revealRequested()
@@ -100,11 +102,12 @@ Rectangle {
             onClicked: row.revealRequested()
         }
         ThemedButton {
-            objectName: "trashButton"
+            objectName: "searchTrashButton"
             theme: row.theme
             text: row.labels.moveToTrash
             symbol: "trash"
             focusPolicy: Qt.NoFocus
+            enabled: row.canTrash
             onClicked: row.trashRequested()
         }
     }

@@ -4,7 +4,8 @@ import QtQuick.Layouts
 import "../components"
 
 // "Intelligent Search": the large files of the user's folders, the home with its cloud folders,
-// or the whole drive, narrowed as the user types. All state lives in the engine `search`.
+// the main window's target folder or the whole drive, narrowed as the user types. All state
+// lives in the engine `search`.
 // Keys: Ctrl+F search field; in the list Up/Down move, Shift extends, Space toggles, Ctrl+A
 // selects all, Return shows the file, Delete asks to move the selection to the Trash.
 Rectangle {
@@ -18,6 +19,8 @@ Rectangle {
     color: theme.background
 
     function askTrash(row) {
+        if (!page.search.canTrash)
+            return
         if (row >= 0)
             page.results.prepareTrash(row)
         if (page.results.selectedCount > 0)
@@ -79,6 +82,35 @@ Rectangle {
                 text: page.labels.cancel
                 onClicked: page.search.cancel()
             }
+            // The ways to start a search; hidden while one runs, when Cancel stands here.
+            ThemedButton {
+                objectName: "searchTargetButton"
+                visible: page.search.hasCustomTarget && !page.search.isSearching
+                theme: page.theme
+                text: page.search.scanTargetText
+                symbol: "folder"
+                enabled: !page.search.isTrashing
+                onClicked: page.search.scanTarget()
+            }
+            ThemedButton {
+                objectName: "searchHomeAgainButton"
+                visible: page.search.hasSearched && !page.search.isSearching
+                theme: page.theme
+                text: page.labels.scanHome
+                symbol: "house.fill"
+                enabled: !page.search.isTrashing
+                onClicked: page.search.scanHome()
+            }
+            ThemedButton {
+                objectName: "searchDriveButton"
+                visible: !page.search.isSearching
+                theme: page.theme
+                text: page.labels.scanDrive
+                symbol: "internaldrive.fill"
+                prominent: true
+                enabled: !page.search.isTrashing
+                onClicked: page.search.scanDrive()
+            }
         }
 
         SearchFilterBar {
@@ -134,9 +166,9 @@ Rectangle {
 
             Text {
                 objectName: "noMatchesText"
-                visible: page.search.hasSearched && page.results.filteredCount === 0
+                visible: page.search.hasSearched && text.length > 0
                 anchors.centerIn: parent
-                text: page.labels.noMatches
+                text: page.results.emptyText
                 color: page.theme.textSecondary
                 font.pixelSize: 14
             }
@@ -159,6 +191,7 @@ Rectangle {
                     width: ListView.view.width
                     theme: page.theme
                     labels: page.labels
+                    canTrash: page.search.canTrash
                     current: list.activeFocus && index === page.results.currentRow
                     onClicked: modifiers => {
                         list.forceActiveFocus()
@@ -225,7 +258,7 @@ Rectangle {
                 theme: page.theme
                 text: page.labels.moveSelectedToTrash
                 symbol: "trash"
-                enabled: !page.search.isTrashing
+                enabled: page.search.canTrash
                 onClicked: page.askTrash(-1)
             }
         }

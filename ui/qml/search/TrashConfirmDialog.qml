@@ -60,6 +60,7 @@ Dialog {
             text: dialog.search.labels.moveToTrash
             prominent: true
             focus: true
+            enabled: dialog.search.canTrash
             Layout.rightMargin: 18
             Layout.bottomMargin: 18
             onClicked: {
