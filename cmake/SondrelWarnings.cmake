@@ -4,8 +4,7 @@
 # std::string copies (GCC bug 105329).
 # Optimised builds (the ci and package presets among them) also fortify the C library's string
 # and memory calls, as Debian builds its packages; fortification needs optimisation, so other
-# builds and the test programs (always -O0, below, which undoes it) go without. Options are
-# de-duplicated per target, so -U_FORTIFY_SOURCE must appear only there.
+# builds and the test programs (always -O0, below, which takes it out again) go without.
 set(SONDREL_FORTIFY $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
 
 # These targets hold no Qt meta-objects, so moc is not run over them (qt_standard_project_setup
@@ -24,7 +23,12 @@ endfunction()
 # third faster to build; the code under test keeps its build type's flags), and so without
 # fortification. Debug info stays.
 function(sondrel_test_defaults target)
-  target_compile_options(${target} PRIVATE -O0 -U_FORTIFY_SOURCE)
+  get_target_property(options ${target} COMPILE_OPTIONS)
+  if(NOT options)
+    set(options "")
+  endif()
+  list(REMOVE_ITEM options ${SONDREL_FORTIFY})
+  set_property(TARGET ${target} PROPERTY COMPILE_OPTIONS ${options} -O0)
 endfunction()
 
 # Same as above without the checks that Qt's generated code (moc, qmlcachegen) trips over.
