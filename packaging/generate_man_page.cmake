@@ -116,6 +116,8 @@ endfunction()
 
 set(page ".\\\" Generated from the --help texts of ${PROGRAM} ${version}; do not edit.\n")
 string(APPEND page ".TH ${title} 1 \"\" \"${PROGRAM} ${version}\" \"User Commands\"\n")
+# No hyphenation: a command's forms and options are typed as printed.
+string(APPEND page ".nh\n")
 string(APPEND page ".SH NAME\n${program} \\- ${name_line}\n")
 string(APPEND page ".SH SYNOPSIS\n.B ${program}\n${synopsis}\n")
 string(APPEND page ".SH DESCRIPTION\n${description}\n")

@@ -62,7 +62,7 @@ trap cleanup EXIT
 userdel -r -f "$user" >/dev/null 2>&1 || true
 useradd -m -s /bin/sh "$user"
 home=$(getent passwd "$user" | cut -d: -f6)
-install -d -m 0755 "$(dirname "$rule")"
+mkdir -p "$(dirname "$rule")"
 cat >"$rule" <<RULE
 polkit.addRule(function(action, subject) {
     if (action.id == "$action" && subject.user == "$user") {
@@ -122,7 +122,7 @@ owner() { stat -c %U "$1"; }
 locked=$home/.cache/zqxjkv-locked
 install -d -o "$user" -g "$user" "$home/.cache"
 install -d -m 0755 "$locked"
-head -c 11M /dev/zero >"$locked/blob"
+head -c 11M /dev/urandom >"$locked/blob" # random: a compressing file system keeps its size
 listed=$(as_user junk) || fail "sondrel-cli junk failed"
 grep -qF "zqxjkv-locked  (admin)" <<<"$listed" ||
   fail "sondrel-cli junk does not list $locked as needing an administrator"
