@@ -94,6 +94,14 @@ for heading in NAME SYNOPSIS COMMANDS OPTIONS; do
   grep -qx "$heading" <<<"$page" || fail "the manual page has no $heading section"
 done
 grep -q -- "--version" <<<"$page" || fail "the manual page does not list --version"
+# Every form of a command is there, the ones that remove things above all (spaces squeezed:
+# justified lines have wider gaps).
+squeezed=$(tr -s ' ' <<<"$page")
+for form in "apps uninstall ID [--keep-leftovers] [--yes]" "junk clean [--group TYPE ...]" \
+  "care clean [--skip" "dups trash [--keep newest|oldest] [--yes]"; do
+  grep -qF -- "sondrel-cli $form" <<<"$squeezed" ||
+    fail "the manual page does not show 'sondrel-cli $form'"
+done
 
 step "bash completion"
 completion=/usr/share/bash-completion/completions/sondrel-cli
