@@ -95,8 +95,8 @@ for heading in NAME SYNOPSIS COMMANDS OPTIONS; do
 done
 grep -q -- "--version" <<<"$page" || fail "the manual page does not list --version"
 # Every form of a command is there, the ones that remove things above all (spaces squeezed:
-# justified lines have wider gaps).
-squeezed=$(tr -s ' ' <<<"$page")
+# justified lines have wider gaps, which col writes as tabs).
+squeezed=$(tr -s '\t ' '  ' <<<"$page")
 for form in "apps uninstall ID [--keep-leftovers] [--yes]" "junk clean [--group TYPE ...]" \
   "care clean [--skip" "dups trash [--keep newest|oldest] [--yes]"; do
   grep -qF -- "sondrel-cli $form" <<<"$squeezed" ||
