@@ -245,7 +245,7 @@ int runApps(CommandContext& context) {
 const CommandRegistration registration{{
     "apps",
     "list installed applications and their leftovers; uninstall one",
-    "usage: sondrel-cli apps [--json]\n"
+    "apps [--json]\n"
     "       sondrel-cli apps orphans [--json]\n"
     "       sondrel-cli apps uninstall ID [--keep-leftovers] [--yes] [--json]",
     runApps,

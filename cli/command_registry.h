@@ -58,6 +58,9 @@ struct CommandContext {
 };
 
 /// One command: name, a one-line summary for --help, usage text and the function to run.
+/// `usage` follows "Usage: sondrel-cli " on the first line, so it starts with the command's name;
+/// further forms are lines of their own, indented under it and starting with "sondrel-cli", and
+/// any other line is a note on the forms (the manual page keeps all of them).
 struct Command {
     std::string_view name;
     std::string_view summary;

@@ -75,7 +75,9 @@ void handBackAt(int parentFd, const std::string& name, const TrashContext& conte
     const FolderFd entry(openat(parentFd, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (entry.valid() && !isMountBoundary(parentFd, entry.get()) &&
         mayHandBack(entry.get(), context)) {
-        fchownat(entry.get(), "", context.uid, context.gid, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW);
+        // Best effort, like the folders above: an entry that cannot be handed back stays as it is.
+        [[maybe_unused]] const int ignored = fchownat(entry.get(), "", context.uid, context.gid,
+                                                      AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW);
     }
 }
 

@@ -3,6 +3,8 @@
 #include "tests/support/run_process.h"
 #include "tests/support/temp_dir.h"
 
+#include <algorithm>
+#include <cctype>
 #include <gtest/gtest.h>
 
 namespace sondrel {
@@ -28,6 +30,50 @@ TEST(CliBasics, HelpVersionAndBadArguments) {
         const auto result = runProcess(args);
         EXPECT_EQ(result.exitCode, 2) << args.back();
         EXPECT_FALSE(result.err.empty());
+    }
+}
+
+// The command names of `sondrel-cli --help`: the first word of each line of its Commands block.
+std::vector<std::string> commandNames(const std::string& help) {
+    std::vector<std::string> names;
+    const std::size_t block = help.find("Commands:\n");
+    std::size_t line = block == std::string::npos ? help.size() : block + 10;
+    while (line < help.size() && help.compare(line, 2, "  ") == 0) {
+        const std::size_t end = help.find(' ', line + 2);
+        names.push_back(help.substr(line + 2, end - line - 2));
+        line = help.find('\n', line);
+        line = line == std::string::npos ? help.size() : line + 1;
+    }
+    return names;
+}
+
+std::size_t countWord(std::string text, const std::string& lowerWord) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::size_t count = 0;
+    for (std::size_t at = text.find(lowerWord); at != std::string::npos;
+         at = text.find(lowerWord, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+TEST(CliBasics, EveryCommandHelpHasOneUsageHeadingAndFormsOfItsOwn) {
+    const auto help = runProcess({SONDREL_CLI_PATH, "--help"});
+    ASSERT_EQ(help.exitCode, 0);
+    const std::vector<std::string> names = commandNames(help.out);
+    ASSERT_GE(names.size(), 9U) << help.out;
+    for (const std::string& name : names) {
+        const auto usage = runProcess({SONDREL_CLI_PATH, name, "--help"});
+        EXPECT_EQ(usage.exitCode, 0) << name;
+        EXPECT_EQ(usage.out.rfind("Usage: sondrel-cli " + name + " ", 0), 0U) << usage.out;
+        EXPECT_EQ(countWord(usage.out, "usage"), 1U) << usage.out;
+        // Further forms stand under the first, each naming the same command.
+        for (std::size_t at = usage.out.find("\n       "); at != std::string::npos;
+             at = usage.out.find("\n       ", at + 1)) {
+            EXPECT_EQ(usage.out.compare(at + 8, 13 + name.size(), "sondrel-cli " + name + " "), 0)
+                << usage.out;
+        }
     }
 }
 

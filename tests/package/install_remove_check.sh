@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
 # Installs a built sondrel .deb on this machine with apt-get, checks what the installed package
 # provides (programs, helper and polkit policy, desktop entry, AppStream metadata, icons, manual
-# page, bash completion), then removes and purges it and checks that nothing of it is left.
-# lintian checks the package file first and must report no errors.
+# page, bash completion), starts the desktop program offscreen (a QML module the package does
+# not depend on shows there), runs the administrator step through pkexec and polkitd as an
+# ordinary user (admin_step_check.sh), then removes and purges the package and checks that
+# nothing of it is left. lintian checks the package file first and must report no errors.
 #
 # Changes the machine's installed packages, so it runs in CI (as root), not in the suite.
 # It refuses to run when sondrel is already installed, and purges the package if a check fails.
 # Usage: tests/package/install_remove_check.sh path/to/sondrel_VERSION_ARCH.deb
 set -euo pipefail
 deb=$(realpath "${1:?usage: install_remove_check.sh path/to/sondrel_VERSION_ARCH.deb}")
+here=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
 [[ $(id -u) == 0 ]] || { echo "install_remove_check: run as root" >&2; exit 2; }
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
 
@@ -45,6 +48,25 @@ step "programs"
 QT_QPA_PLATFORM=offscreen /usr/bin/sondrel --version 2>/dev/null | grep -qx "Sondrel $version" ||
   fail "sondrel --version does not print $version"
 
+step "desktop program starts offscreen"
+# Main.qml and every page it names are compiled when the window loads: a missing QML module
+# makes the program exit at once, a broken binding prints a QML warning. Still running after a
+# few seconds with no such line means the window loaded. Its own home, so nothing is left.
+gui=$(mktemp -d)
+install -d -m 0700 "$gui/home" "$gui/runtime"
+gui_status=0
+env -i HOME="$gui/home" PATH=/usr/bin:/bin LC_ALL=C.UTF-8 XDG_RUNTIME_DIR="$gui/runtime" \
+  QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software \
+  timeout -k 3 5 /usr/bin/sondrel >"$gui/log" 2>&1 || gui_status=$?
+gui_log=$(cat "$gui/log")
+rm -rf "$gui"
+[[ -z $gui_log ]] || printf '%s\n' "$gui_log"
+[[ $gui_status == 124 ]] ||
+  fail "sondrel ended by itself (status $gui_status) instead of showing its window"
+if grep -qE 'is not installed|\.qml:[0-9]+|QQmlApplicationEngine failed|QQmlComponent' <<<"$gui_log"; then
+  fail "sondrel printed QML errors (a missing runtime dependency?)"
+fi
+
 step "helper and polkit action"
 pkexec --help >/dev/null 2>&1 || fail "pkexec --help fails"
 [[ $(stat -c '%U:%G %a' "$helper") == "root:root 755" ]] || fail "$helper is not root:root 0755"
@@ -72,6 +94,14 @@ for heading in NAME SYNOPSIS COMMANDS OPTIONS; do
   grep -qx "$heading" <<<"$page" || fail "the manual page has no $heading section"
 done
 grep -q -- "--version" <<<"$page" || fail "the manual page does not list --version"
+# Every form of a command is there, the ones that remove things above all (spaces squeezed:
+# justified lines have wider gaps, which col writes as tabs).
+squeezed=$(tr -s '\t ' '  ' <<<"$page")
+for form in "apps uninstall ID [--keep-leftovers] [--yes]" "junk clean [--group TYPE ...]" \
+  "care clean [--skip" "dups trash [--keep newest|oldest] [--yes]"; do
+  grep -qF -- "sondrel-cli $form" <<<"$squeezed" ||
+    fail "the manual page does not show 'sondrel-cli $form'"
+done
 
 step "bash completion"
 completion=/usr/share/bash-completion/completions/sondrel-cli
@@ -83,6 +113,15 @@ complete_words() {
 [[ $(complete_words sondrel-cli sca) == scan ]] || fail "completion of 'sca' is not scan"
 [[ $(complete_words sondrel-cli scan --dep) == --depth ]] || fail "completion of 'scan --dep'"
 [[ $(complete_words sondrel-cli --layout ma) == macos ]] || fail "completion of '--layout ma'"
+
+step "administrator step through pkexec"
+admin_status=0
+"$here/admin_step_check.sh" || admin_status=$?
+case $admin_status in
+  0) ;;
+  77) echo "install_remove_check: the administrator step was skipped (see above)" ;;
+  *) fail "the administrator step" ;;
+esac
 
 # Every file and folder of the package, to look for after removal.
 mapfile -t owned < <(dpkg -L sondrel)
