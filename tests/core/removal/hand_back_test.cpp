@@ -105,5 +105,34 @@ TEST(HandBack, DirectorySizesCountWhatDuCounts) {
     EXPECT_EQ(sizes.substr(0, sizes.find(' ')), expected) << sizes;
 }
 
+// A folder far deeper than the open-file limit: its recorded size is still the whole of it, and
+// when trashed for another user every level is given back to them.
+TEST(HandBack, FoldersDeeperThanTheDescriptorLimit) {
+    test::TempHome t;
+    const std::string deep = t.dir.makeDir("home/deep");
+    ASSERT_TRUE(test::makeChain(deep, 600, 1 << 20));
+    const test::ProcessResult du = test::runProcess({test::systemProgram("du"), "-sB1", deep});
+    ASSERT_EQ(du.exitCode, 0) << du.err;
+    const std::string expected = du.out.substr(0, du.out.find('\t'));
+    const bool root = geteuid() == 0;
+    TrashResult result;
+    {
+        const test::DescriptorLimit limit(128);
+        result = moveToTrash(deep, root ? forAnotherUser(t) : t.context().trash);
+    }
+    ASSERT_TRUE(result.ok) << result.error;
+    EXPECT_EQ(result.handBackProblem, "");
+    const std::string sizes = readFile(t.trash + "/directorysizes");
+    EXPECT_EQ(sizes.substr(0, sizes.find(' ')), expected) << sizes;
+    if (root) {
+        std::string path = result.trashedPath;
+        for (int level = 0; level < 600; ++level) {
+            path += "/d";
+        }
+        EXPECT_EQ(statOf(path).st_uid, kUser);
+        EXPECT_EQ(statOf(path + "/leaf").st_uid, kUser);
+    }
+}
+
 } // namespace
 } // namespace sondrel

@@ -239,5 +239,21 @@ TEST(PermanentRemoval, StaysOnOneFileSystemAndReportsReadOnly) {
     EXPECT_EQ(test::readFile(inner.path() + "/d/one"), "1");
 }
 
+// A chain far deeper than the open-file limit goes whole (each level used to hold a descriptor).
+TEST(PermanentRemoval, ChainsDeeperThanTheDescriptorLimit) {
+    test::TempDir dir;
+    const std::string victim = dir.makeDir("victim");
+    ASSERT_TRUE(test::makeChain(victim, 600, 10));
+    RemovalReport report;
+    {
+        const test::DescriptorLimit limit(32);
+        report = removePermanently(victim);
+    }
+    EXPECT_TRUE(report.removed);
+    EXPECT_TRUE(report.failures.empty()) << report.failures.front().reason;
+    EXPECT_EQ(report.removedEntries, 602U);
+    EXPECT_FALSE(exists(victim));
+}
+
 } // namespace
 } // namespace sondrel
