@@ -3,6 +3,7 @@
 
 #include "core/fs/measure_tree.h"
 #include "tests/support/bind_mount.h"
+#include "tests/support/ordinary_user.h"
 #include "tests/support/run_process.h"
 #include "tests/support/temp_dir.h"
 
@@ -10,11 +11,9 @@
 
 #include <cstdio>
 #include <fcntl.h>
-#include <functional>
 #include <random>
 #include <string>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace sondrel {
@@ -96,27 +95,6 @@ TEST(MeasureTree, FilesLinksNothingAndUnreadableFolders) {
     EXPECT_EQ(missing.allocated, 0);
 }
 
-// Calls `check` as an ordinary user: in a forked child that drops to nobody when running as
-// root (root reads every folder), else in this process. The child's verdict is its exit status.
-void asOrdinaryUser(const std::string& tree, const std::function<bool()>& check) {
-    if (geteuid() != 0) {
-        EXPECT_TRUE(check());
-        return;
-    }
-    constexpr uid_t kNobody = 65534;
-    ASSERT_EQ(runProcess({"/usr/bin/chown", "-R", std::to_string(kNobody), tree}).exitCode, 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        if (setgid(kNobody) != 0 || setuid(kNobody) != 0) {
-            _exit(100);
-        }
-        _exit(check() ? 0 : 1);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
-}
-
 // A folder that cannot be opened adds its own blocks, as du counts them, and the figure says it
 // is not whole.
 TEST(MeasureTree, UnreadableFoldersAddTheirOwnSize) {
@@ -130,7 +108,7 @@ TEST(MeasureTree, UnreadableFoldersAddTheirOwnSize) {
     }
     ASSERT_EQ(chmod((dir / "closed/inner").c_str(), 0), 0);
     const std::string closed = dir / "closed";
-    asOrdinaryUser(dir.path(), [&] {
+    EXPECT_TRUE(test::runAsOrdinaryUser(dir.path(), [&] {
         const TreeSize partial = measureTree(closed);
         const long long allocated = du("-B1", closed);
         const long long apparent = du("-b", closed);
@@ -143,7 +121,7 @@ TEST(MeasureTree, UnreadableFoldersAddTheirOwnSize) {
             return false;
         }
         return true;
-    });
+    }));
     chmod((dir / "closed/inner").c_str(), 0755);
 }
 

@@ -4,7 +4,9 @@
 
 #include "core/removal/trash.h"
 #include "removal_test_support.h"
+#include "tests/support/ordinary_user.h"
 
+#include <cstdio>
 #include <gtest/gtest.h>
 
 namespace sondrel {
@@ -132,6 +134,26 @@ TEST(HandBack, FoldersDeeperThanTheDescriptorLimit) {
         EXPECT_EQ(statOf(path).st_uid, kUser);
         EXPECT_EQ(statOf(path + "/leaf").st_uid, kUser);
     }
+}
+
+// A folder the survey cannot read whole is still moved when the mount table lists no mount
+// below it, but records no size rather than a short one.
+TEST(HandBack, APartlyUnreadableFolderRecordsNoSize) {
+    test::TempHome t;
+    t.dir.writeFile("home/folder/kept", "k");
+    const std::string closed = t.dir.makeDir("home/folder/closed");
+    t.dir.writeFile("home/folder/closed/secret", "s");
+    ASSERT_EQ(chmod(closed.c_str(), 0), 0);
+    EXPECT_TRUE(test::runAsOrdinaryUser(t.dir.path(), [&] {
+        const TrashResult result = moveToTrash(t.home + "/folder", t.context().trash);
+        const std::string sizes = readFile(t.trash + "/directorysizes");
+        if (!result.ok || sizes.find(" folder\n") != std::string::npos) {
+            std::fprintf(stderr, "%s / %s\n", result.error.c_str(), sizes.c_str());
+            return false;
+        }
+        return !exists(t.home + "/folder") && exists(result.trashedPath + "/kept");
+    }));
+    chmod((t.trash + "/files/folder/closed").c_str(), 0755);
 }
 
 } // namespace
