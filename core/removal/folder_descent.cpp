@@ -78,7 +78,7 @@ bool FolderDescent::run(int parentFd, const std::string& name, const std::string
         current.resize(current.size() - done.name.size() - 1);
         if (!parent.valid() || fstat(parent.get(), &info) != 0 || info.st_dev != up.device ||
             info.st_ino != up.inode) {
-            failed(current, "moved away while its contents were handled");
+            failed(donePath, "moved out of its folder while its contents were handled");
             return false;
         }
         up.fd = std::move(parent);

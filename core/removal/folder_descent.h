@@ -24,9 +24,10 @@ public:
     /// Visits the entry `name` of the folder open at `parentFd` (`path` is its path, bytes) and,
     /// when enter() opens it as a folder, everything below it, entries of a folder in listing
     /// order (all names are read before any is acted on). Returns false when the walk stopped
-    /// early because a folder could not be found again on the way up (it was moved away or
-    /// removed while its contents were visited): failed() was told, leave() is not called for
-    /// that folder's ancestors. Listing failures are told to failed() and the walk goes on.
+    /// early because a folder's parent could not be found again on the way up (the folder was
+    /// moved out of it while its contents were visited): failed() was told about that folder,
+    /// leave() is not called for it nor its ancestors. Listing failures are told to failed() and
+    /// the walk goes on.
     bool run(int parentFd, const std::string& name, const std::string& path);
 
 protected:
