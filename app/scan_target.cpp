@@ -1,11 +1,12 @@
 #include "app/scan_target.h"
 
 #include "app/qt_conversions.h"
+#include "core/apps/app_file_access.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QStringList>
 #include <algorithm>
+#include <dirent.h>
 #include <fstream>
 #include <sstream>
 #include <sys/stat.h>
@@ -31,8 +32,27 @@ void sortByName(std::vector<CloudFolder>& folders, std::size_t from) {
               });
 }
 
+// The names of the folders in `folder` (hidden ones included, links to folders too, as a file
+// dialog shows them), byte-wise sorted; empty when it cannot be listed.
 QStringList subfolders(const QString& folder) {
-    return QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
+    const std::string path = toPathBytes(folder);
+    std::vector<std::string> names;
+    for (const FolderEntry& entry : listFolder(path)) {
+        struct stat info {};
+        const bool isFolder =
+            entry.type == DT_DIR ||
+            ((entry.type == DT_LNK || entry.type == DT_UNKNOWN) &&
+             ::stat((path + "/" + entry.name).c_str(), &info) == 0 && S_ISDIR(info.st_mode));
+        if (isFolder) {
+            names.push_back(entry.name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    QStringList out;
+    for (const std::string& name : names) {
+        out.push_back(toFileQString(name));
+    }
+    return out;
 }
 
 // /proc/self/mounts escapes space, tab, newline and backslash as \ooo octal.

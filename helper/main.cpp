@@ -129,6 +129,11 @@ std::string handle(HelperVerb verb, const std::string& path, const Caller& calle
     if (!result.ok) {
         return result.error;
     }
+    if (!result.handBackProblem.empty()) {
+        // The user could not empty that part of the Trash: not a success.
+        return "moved to the Trash, but part of it could not be given back to you: " +
+               result.handBackProblem;
+    }
     return pathExists(item) ? "still present after the move" : "";
 }
 

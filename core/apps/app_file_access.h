@@ -2,6 +2,7 @@
 // The few file reads the application catalogue needs beyond the walk: a small text file, one
 // folder's names, the files of a suffix below a folder, and the newest change in a tree.
 
+#include "core/fs/folder_listing.h"
 #include "core/util/cancel_token.h"
 
 #include <cstdint>
@@ -10,12 +11,6 @@
 #include <vector>
 
 namespace sondrel {
-
-/// One entry of a listed folder.
-struct FolderEntry {
-    std::string name;   ///< bytes
-    unsigned char type; ///< DT_* value (DT_UNKNOWN when the file system does not say)
-};
 
 /// The content of the regular file at `path` when it is at most `maxBytes` long; nothing for
 /// anything else (missing, a folder, a FIFO, too long). Follows a link at `path` only with

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <dirent.h>
+#include <string>
 #include <string_view>
 
 namespace sondrel {
@@ -16,6 +17,14 @@ struct ListedEntry {
     std::string_view name;
     unsigned char type = DT_UNKNOWN;
     std::uint64_t inode = 0;
+};
+
+/// One entry of a listed folder kept beyond its listing (listFolder in core/removal and
+/// core/apps): its name (bytes) and its DT_* type as the kernel listed it (DT_UNKNOWN when the
+/// file system does not say).
+struct FolderEntry {
+    std::string name;
+    unsigned char type = DT_UNKNOWN;
 };
 
 /// How a listing ended.

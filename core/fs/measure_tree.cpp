@@ -35,6 +35,8 @@ public:
                   const struct stat* info) override {
         if (info != nullptr) {
             add(worker, *info, false);
+        } else {
+            m_incomplete.store(true, std::memory_order_relaxed);
         }
     }
 
@@ -47,9 +49,25 @@ public:
     }
 
     void folderSkipped(WalkWorker&, FolderToken, FolderSkip why) override {
-        if (why == FolderSkip::unreadable) {
+        if (why == FolderSkip::mountPoint) {
+            m_mountInside.store(true, std::memory_order_relaxed);
+        } else {
             m_incomplete.store(true, std::memory_order_relaxed);
         }
+    }
+
+    void unreadableFolderStat(WalkWorker& worker, FolderToken, const struct stat* info) override {
+        if (info != nullptr) {
+            add(worker, *info, true);
+        }
+    }
+
+    void listingFailed(WalkWorker&, FolderToken, int) override {
+        m_incomplete.store(true, std::memory_order_relaxed);
+    }
+
+    void mountedFileFound(WalkWorker&, FolderToken, std::string_view) override {
+        m_mountInside.store(true, std::memory_order_relaxed);
     }
 
     TreeSize finish() {
@@ -74,6 +92,7 @@ public:
         }
         total.exists = true;
         total.complete = !m_incomplete.load();
+        total.mountInside = m_mountInside.load();
         return total;
     }
 
@@ -111,7 +130,19 @@ private:
 
     std::vector<Sums> m_workers;
     std::atomic<bool> m_incomplete{false};
+    std::atomic<bool> m_mountInside{false};
 };
+
+WalkOptions walkOptionsFor(const MeasureOptions& options) {
+    WalkOptions walkOptions;
+    walkOptions.skipHidden = options.skipHidden;
+    walkOptions.oneFilesystem = options.oneFilesystem;
+    walkOptions.statFolders = true;
+    walkOptions.findMountedFiles = true;
+    walkOptions.followRootLink = false;
+    walkOptions.threads = options.threads;
+    return walkOptions;
+}
 
 } // namespace
 
@@ -138,15 +169,22 @@ TreeSize measureTree(const std::string& path, const MeasureOptions& options,
         size.folders = 1;
         return size;
     }
-    WalkOptions walkOptions;
-    walkOptions.skipHidden = options.skipHidden;
-    walkOptions.oneFilesystem = options.oneFilesystem;
-    walkOptions.statFolders = true;
-    walkOptions.followRootLink = false;
-    walkOptions.threads = options.threads;
+    return measureTreeAt(fd, path, options, cancel);
+}
+
+TreeSize measureTreeAt(int folderFd, const std::string& path, const MeasureOptions& options,
+                       const CancelToken& cancel) {
+    struct stat info {};
+    if (folderFd < 0 || fstat(folderFd, &info) != 0 || !S_ISDIR(info.st_mode)) {
+        if (folderFd >= 0) {
+            close(folderFd);
+        }
+        return {};
+    }
+    const WalkOptions walkOptions = walkOptionsFor(options);
     MeasureVisitor visitor;
-    const WalkOutcome outcome = walkTreeAt(fd, path, {}, walkOptions, visitor, cancel);
-    size = visitor.finish();
+    const WalkOutcome outcome = walkTreeAt(folderFd, path, {}, walkOptions, visitor, cancel);
+    TreeSize size = visitor.finish();
     size.complete = size.complete && !outcome.cancelled;
     return size;
 }

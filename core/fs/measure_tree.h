@@ -18,8 +18,12 @@ struct TreeSize {
     std::int64_t files = 0;     ///< entries that are not folders (links included), each once
     std::int64_t folders = 0;   ///< folders entered, the root included
     bool exists = false;        ///< something was at the path
-    /// Every folder below could be read and the walk was not cancelled: the figures are whole.
+    /// Every folder below could be opened and listed to its end, every entry stat'ed, and the
+    /// walk was not cancelled: the figures are whole.
     bool complete = false;
+    /// A mount point lies below: a folder left out as one (with `oneFilesystem`, any mount),
+    /// or a file bind-mounted over another. What is inside a left-out mount is not counted.
+    bool mountInside = false;
 };
 
 /// How to measure.
@@ -38,6 +42,12 @@ struct MeasureOptions {
 /// errors (unreadable folders add their own size only and clear `complete`).
 TreeSize measureTree(const std::string& path, const MeasureOptions& options,
                      const CancelToken& cancel);
+
+/// measureTree of the folder open at `folderFd` (taken over and closed), whose path is
+/// `path`: for code that holds the folder already and must measure that very folder, whatever
+/// the name leads to meanwhile. A descriptor that is not a folder gives `exists` false.
+TreeSize measureTreeAt(int folderFd, const std::string& path, const MeasureOptions& options,
+                       const CancelToken& cancel);
 
 /// measureTree with the default options and no cancel.
 TreeSize measureTree(const std::string& path);

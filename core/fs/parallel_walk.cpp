@@ -147,6 +147,22 @@ bool statIn(const DirRef* dir, const char* name, struct stat& info) {
     return fstatat(AT_FDCWD, joinPath(dirPath(dir), name).c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
+void copyStatx(const struct statx& sx, struct stat& info) {
+    info.st_dev = makedev(sx.stx_dev_major, sx.stx_dev_minor);
+    info.st_ino = static_cast<ino_t>(sx.stx_ino);
+    info.st_mode = sx.stx_mode;
+    info.st_nlink = static_cast<nlink_t>(sx.stx_nlink);
+    info.st_uid = sx.stx_uid;
+    info.st_gid = sx.stx_gid;
+    info.st_rdev = makedev(sx.stx_rdev_major, sx.stx_rdev_minor);
+    info.st_size = static_cast<off_t>(sx.stx_size);
+    info.st_blksize = static_cast<blksize_t>(sx.stx_blksize);
+    info.st_blocks = static_cast<blkcnt_t>(sx.stx_blocks);
+    info.st_atim = {sx.stx_atime.tv_sec, sx.stx_atime.tv_nsec};
+    info.st_mtim = {sx.stx_mtime.tv_sec, sx.stx_mtime.tv_nsec};
+    info.st_ctim = {sx.stx_ctime.tv_sec, sx.stx_ctime.tv_nsec};
+}
+
 // The stat of an open folder with its mount identity.
 struct FolderStat {
     struct stat info {};
@@ -165,20 +181,7 @@ bool statFolder(int fd, FolderStat& out) {
         }
         return true;
     }
-    struct stat& info = out.info;
-    info.st_dev = makedev(sx.stx_dev_major, sx.stx_dev_minor);
-    info.st_ino = static_cast<ino_t>(sx.stx_ino);
-    info.st_mode = sx.stx_mode;
-    info.st_nlink = static_cast<nlink_t>(sx.stx_nlink);
-    info.st_uid = sx.stx_uid;
-    info.st_gid = sx.stx_gid;
-    info.st_rdev = makedev(sx.stx_rdev_major, sx.stx_rdev_minor);
-    info.st_size = static_cast<off_t>(sx.stx_size);
-    info.st_blksize = static_cast<blksize_t>(sx.stx_blksize);
-    info.st_blocks = static_cast<blkcnt_t>(sx.stx_blocks);
-    info.st_atim = {sx.stx_atime.tv_sec, sx.stx_atime.tv_nsec};
-    info.st_mtim = {sx.stx_mtime.tv_sec, sx.stx_mtime.tv_nsec};
-    info.st_ctim = {sx.stx_ctime.tv_sec, sx.stx_ctime.tv_nsec};
+    copyStatx(sx, out.info);
     out.haveMountRoot = (sx.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
     out.isMountRoot = (sx.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     out.haveMountId = (sx.stx_mask & STATX_MNT_ID) != 0;
@@ -238,6 +241,9 @@ private:
     void handleSlice(WorkerState& state, Job& job);
     void listEntry(WorkerState& state, DirRef* self, const ListedEntry& listed);
     void statFiles(WorkerState& state, const DirRef* dir, const StatList& list);
+    // lstat of `name` in `dir`; when files' mount points are looked for, by statx, setting
+    // `mountRoot` for an entry that is one.
+    bool statEntry(const DirRef* dir, const char* name, struct stat& info, bool& mountRoot) const;
     int openFolder(const Job& job) const;
     void releaseParentDescriptor(const Job& job);
     void flush(WorkerState& state);
@@ -264,6 +270,7 @@ private:
     // Mount handling: checked only when a mount point lies below the root (or folders are
     // stat'ed anyway), so the usual walk of a home folder pays nothing for it.
     bool m_checkMounts = false;
+    bool m_findFileMounts = false; // findMountedFiles, and a mount lies below the root
     MountTable m_mounts;
     std::mutex m_enteredMutex;
     std::unordered_set<std::uint64_t> m_enteredDevices; // file systems being walked
@@ -272,7 +279,9 @@ private:
 void ParallelWalk::prepareMounts(int rootFd, const std::string& rootPath) {
     m_mounts = MountTable::read();
     char* real = realpath(rootPath.c_str(), nullptr);
-    m_checkMounts = real == nullptr || m_mounts.anyBelow(real);
+    // A table that cannot be read says nothing: then every folder is checked.
+    m_checkMounts = real == nullptr || m_mounts.entries().empty() || m_mounts.anyBelow(real);
+    m_findFileMounts = m_checkMounts && m_options.findMountedFiles;
     std::free(real);
     struct stat rootInfo {};
     if (fstat(rootFd, &rootInfo) == 0) {
@@ -355,10 +364,37 @@ void ParallelWalk::flush(WorkerState& state) {
     m_options.onProgress(progress);
 }
 
+bool ParallelWalk::statEntry(const DirRef* dir, const char* name, struct stat& info,
+                             bool& mountRoot) const {
+    if (!m_findFileMounts) {
+        return statIn(dir, name, info);
+    }
+    const std::string path = dir->fd >= 0 ? std::string() : joinPath(dirPath(dir), name);
+    struct statx sx {};
+    if (statx(dir->fd >= 0 ? dir->fd : AT_FDCWD, dir->fd >= 0 ? name : path.c_str(),
+              AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_SYNC_AS_STAT, STATX_BASIC_STATS,
+              &sx) != 0) {
+        return false;
+    }
+    copyStatx(sx, info);
+    if ((sx.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0) {
+        mountRoot = (sx.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    } else {
+        // Older kernels: look the entry's path up in the table.
+        mountRoot =
+            m_mounts.atMountPoint(path.empty() ? joinPath(dirPath(dir), name) : path) != nullptr;
+    }
+    return true;
+}
+
 void ParallelWalk::statFiles(WorkerState& state, const DirRef* dir, const StatList& list) {
     for (std::size_t i = 0; i < list.size() && !m_cancel.isCancelled(); ++i) {
         struct stat info {};
-        const bool ok = statIn(dir, list.name(i), info);
+        bool mountRoot = false;
+        const bool ok = statEntry(dir, list.name(i), info, mountRoot);
+        if (mountRoot) {
+            m_visitor.mountedFileFound(state.worker, dir->token, list.view(i));
+        }
         m_visitor.fileStat(state.worker, dir->token, list.slots[i], list.view(i),
                            ok ? &info : nullptr);
     }
@@ -382,8 +418,9 @@ void ParallelWalk::listEntry(WorkerState& state, DirRef* self, const ListedEntry
     entry.depth = self->depth + 1;
     entry.parent = self->token;
     struct stat info {};
+    bool mountRoot = false;
     if (entry.type == DT_UNKNOWN) {
-        if (fstatat(self->fd, listed.name.data(), &info, AT_SYMLINK_NOFOLLOW) == 0) {
+        if (statEntry(self, listed.name.data(), info, mountRoot)) {
             entry.info = &info;
             entry.type = static_cast<unsigned char>(IFTODT(info.st_mode));
         } else {
@@ -407,6 +444,9 @@ void ParallelWalk::listEntry(WorkerState& state, DirRef* self, const ListedEntry
         return;
     }
     if (entry.info != nullptr) {
+        if (mountRoot) {
+            m_visitor.mountedFileFound(state.worker, self->token, entry.name);
+        }
         m_visitor.fileStat(state.worker, self->token, slot, entry.name, entry.info);
     } else if (listed.type == DT_UNKNOWN) {
         m_visitor.fileStat(state.worker, self->token, slot, entry.name, nullptr);
@@ -431,6 +471,12 @@ void ParallelWalk::handle(unsigned worker, Job& job) {
         return;
     }
     const int fd = openFolder(job);
+    if (fd < 0 && m_options.statFolders && job.parent != nullptr) {
+        // Its own size still counts (du does so): lstat it while the parent is held.
+        struct stat info {};
+        const bool ok = statIn(job.parent, job.name.c_str(), info);
+        m_visitor.unreadableFolderStat(state.worker, job.token, ok ? &info : nullptr);
+    }
     releaseParentDescriptor(job);
     if (fd < 0) {
         m_visitor.folderSkipped(state.worker, job.token, FolderSkip::unreadable);
@@ -462,16 +508,20 @@ void ParallelWalk::handle(unsigned worker, Job& job) {
 
     state.toStat.clear();
     const bool skipHidden = m_options.skipHidden;
-    forEachEntryAt(fd, state.dents.get(), kListingBufferBytes, [&](const ListedEntry& listed) {
-        if (skipHidden && isHiddenName(listed.name)) {
+    const ListingEnd listing =
+        forEachEntryAt(fd, state.dents.get(), kListingBufferBytes, [&](const ListedEntry& listed) {
+            if (skipHidden && isHiddenName(listed.name)) {
+                return true;
+            }
+            if (m_cancel.isCancelled()) {
+                return false;
+            }
+            listEntry(state, self, listed);
             return true;
-        }
-        if (m_cancel.isCancelled()) {
-            return false;
-        }
-        listEntry(state, self, listed);
-        return true;
-    });
+        });
+    if (listing == ListingEnd::failed) {
+        m_visitor.listingFailed(state.worker, self->token, errno);
+    }
 
     // Sizes of the files: here for an ordinary folder; a wide folder is split into slices
     // that other workers take.

@@ -61,8 +61,13 @@ struct WalkOptions {
     /// Enter pseudo, network and FUSE file systems below the root (off by default).
     bool enterForeignFilesystems = false;
     /// Stat every folder once opened and pass it to folderOpened() (measureTree needs the
-    /// folders' own blocks; the size tree does not pay for it).
+    /// folders' own blocks; the size tree does not pay for it). A folder that cannot be opened
+    /// is lstat'ed for unreadableFolderStat() then.
     bool statFolders = false;
+    /// Tell files that are mount points themselves (a file bind-mounted over another) to
+    /// mountedFileFound(). Checked only when the mount table lists a mount below the root (or
+    /// cannot be read), so a walk with no mount below pays nothing for it.
+    bool findMountedFiles = false;
     /// Follow a symbolic link given as the root itself (never one below it).
     bool followRootLink = true;
     /// Worker threads; 0 picks a number from the machine (more than the cores: folder reads
@@ -141,6 +146,29 @@ public:
         (void)worker;
         (void)folder;
         (void)why;
+    }
+    /// With WalkOptions::statFolders, the lstat of a folder that could not be opened (null when
+    /// that failed too), just before its folderSkipped(unreadable): a visitor that counts the
+    /// folders' own blocks counts this one's too, as du does.
+    virtual void unreadableFolderStat(WalkWorker& worker, FolderToken folder,
+                                      const struct stat* info) {
+        (void)worker;
+        (void)folder;
+        (void)info;
+    }
+    /// The listing of an opened folder failed part way (`error` is the errno): the entries
+    /// before were passed on, the rest of the folder was not seen.
+    virtual void listingFailed(WalkWorker& worker, FolderToken folder, int error) {
+        (void)worker;
+        (void)folder;
+        (void)error;
+    }
+    /// With WalkOptions::findMountedFiles, an entry that fileFound() asked to have stat'ed is a
+    /// mount point (a bind-mounted file); its fileStat() follows with the mounted file's stat.
+    virtual void mountedFileFound(WalkWorker& worker, FolderToken parent, std::string_view name) {
+        (void)worker;
+        (void)parent;
+        (void)name;
     }
 };
 

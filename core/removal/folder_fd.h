@@ -4,6 +4,8 @@
 // privileged helper uses it on paths it has resolved and checked, so that swapping a folder for
 // a link after the check cannot redirect what it does.
 
+#include "core/fs/folder_listing.h"
+
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -28,12 +30,6 @@ public:
 
 private:
     int m_fd = -1;
-};
-
-/// One entry of a listed folder: its name (bytes) and its DT_* type as the kernel listed it.
-struct FolderEntry {
-    std::string name;
-    unsigned char type = 0;
 };
 
 /// Appends the entries of the folder open at `fd` (without "." and "..", read from the

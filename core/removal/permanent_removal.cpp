@@ -1,5 +1,6 @@
 #include "core/removal/permanent_removal.h"
 
+#include "core/removal/folder_descent.h"
 #include "core/removal/folder_fd.h"
 #include "core/removal/mount_boundary.h"
 #include "core/removal/path_safety.h"
@@ -32,79 +33,95 @@ void addFailure(RemovalReport& report, std::string path, int error) {
 
 constexpr const char* kMountPointText = "a mount point: nothing in it is removed";
 
-void removeEntry(int parentFd, const std::string& name, const std::string& path,
-                 RemovalReport& report);
+// How many times an entry that keeps changing between a folder and something else is looked
+// at again before it is reported.
+constexpr int kMaxLooks = 4;
 
-// Removes everything inside the open folder `dirFd`.
-void removeContents(int dirFd, const std::string& path, RemovalReport& report) {
-    std::vector<FolderEntry> entries;
-    if (!listFolder(dirFd, entries)) {
-        addFailure(report, path, errno != 0 ? errno : EIO);
-    }
-    for (const FolderEntry& entry : entries) {
-        removeEntry(dirFd, entry.name, path + "/" + entry.name, report);
-    }
-}
+// Removes an item and everything below it, one folder descriptor at a time (FolderDescent).
+// A mount point is neither entered nor removed: it is checked by name before anything is done
+// and, for a folder, again on the descriptor that the walk then uses.
+class Removal final : public FolderDescent {
+public:
+    explicit Removal(RemovalReport& report) : m_report(report) {}
 
-// Removes the entry `name` of the open folder `parentFd`. A mount point is neither entered nor
-// removed: it is checked by name before anything is done and, for a folder, again on the
-// descriptor that the walk then uses.
-void removeEntry(int parentFd, const std::string& name, const std::string& path,
-                 RemovalReport& report) {
-    EntryStatus status;
-    if (!statEntryAt(parentFd, name.c_str(), status)) {
-        if (errno != ENOENT) {
-            addFailure(report, path, errno);
-        }
-        return;
-    }
-    if (status.mountPoint) {
-        report.failures.push_back({path, kMountPointText});
-        return;
-    }
-    if (S_ISDIR(status.stat.stx_mode)) {
-        if (raceHook()) {
-            raceHook()(path);
-        }
-        const FolderFd child(openat(parentFd, name.c_str(), kDirFlags));
-        if (!child.valid() && errno != ELOOP && errno != ENOTDIR) {
-            if (errno != ENOENT) {
-                addFailure(report, path, errno);
+protected:
+    FolderFd enter(int parentFd, const std::string& name, const std::string& path) override {
+        for (int look = 0; look < kMaxLooks; ++look) {
+            EntryStatus status;
+            if (!statEntryAt(parentFd, name.c_str(), status)) {
+                if (errno != ENOENT) {
+                    addFailure(m_report, path, errno);
+                }
+                return {};
             }
-            return;
-        }
-        if (child.valid()) {
-            // Opened without following links: whatever it is now, it is a real folder inside
-            // the parent we hold open, so the walk cannot leave the item.
-            if (isMountBoundary(parentFd, child.get())) {
-                report.failures.push_back({path, kMountPointText});
-                return;
+            if (status.mountPoint) {
+                m_report.failures.push_back({path, kMountPointText});
+                return {};
             }
-            const std::size_t failuresBefore = report.failures.size();
-            removeContents(child.get(), path, report);
-            if (unlinkat(parentFd, name.c_str(), AT_REMOVEDIR) == 0) {
-                ++report.removedEntries;
-            } else if (errno != ENOENT &&
-                       (errno != ENOTEMPTY || report.failures.size() == failuresBefore)) {
-                addFailure(report, path, errno);
+            if (S_ISDIR(status.stat.stx_mode)) {
+                if (raceHook()) {
+                    raceHook()(path);
+                }
+                FolderFd child(openat(parentFd, name.c_str(), kDirFlags));
+                if (!child.valid() && errno != ELOOP && errno != ENOTDIR) {
+                    if (errno != ENOENT) {
+                        addFailure(m_report, path, errno);
+                    }
+                    return {};
+                }
+                if (child.valid()) {
+                    // Opened without following links: whatever it is now, it is a real folder
+                    // inside the parent we hold open, so the walk cannot leave the item.
+                    if (isMountBoundary(parentFd, child.get())) {
+                        m_report.failures.push_back({path, kMountPointText});
+                        return {};
+                    }
+                    m_failuresBefore.push_back(m_report.failures.size());
+                    return child;
+                }
+                // The folder was swapped for something else (a link) after it was looked at:
+                // remove that thing itself below.
             }
-            return;
+            // A name that became a mount point since it was looked at cannot be unlinked (EBUSY).
+            if (unlinkat(parentFd, name.c_str(), 0) == 0) {
+                ++m_report.removedEntries;
+                return {};
+            }
+            if (errno != EISDIR) {
+                if (errno == EBUSY) {
+                    m_report.failures.push_back({path, kMountPointText});
+                } else if (errno != ENOENT) {
+                    addFailure(m_report, path, errno);
+                }
+                return {};
+            }
+            // Swapped for a folder after it was looked at: look again.
         }
-        // The folder was swapped for something else (a link) after it was looked at: remove
-        // that thing itself below.
+        m_report.failures.push_back({path, "it kept changing while it was removed"});
+        return {};
     }
-    // A name that became a mount point since it was looked at cannot be unlinked (EBUSY).
-    if (unlinkat(parentFd, name.c_str(), 0) == 0) {
-        ++report.removedEntries;
-    } else if (errno == EISDIR) {
-        // Swapped for a folder after it was looked at: walk it like any other folder.
-        removeEntry(parentFd, name, path, report);
-    } else if (errno == EBUSY) {
-        report.failures.push_back({path, kMountPointText});
-    } else if (errno != ENOENT) {
-        addFailure(report, path, errno);
+
+    void leave(int parentFd, const std::string& name, const std::string& path) override {
+        const std::size_t failuresBefore = m_failuresBefore.back();
+        m_failuresBefore.pop_back();
+        if (unlinkat(parentFd, name.c_str(), AT_REMOVEDIR) == 0) {
+            ++m_report.removedEntries;
+        } else if (errno != ENOENT &&
+                   (errno != ENOTEMPTY || m_report.failures.size() == failuresBefore)) {
+            addFailure(m_report, path, errno);
+        }
     }
-}
+
+    void failed(const std::string& path, const std::string& reason) override {
+        m_report.failures.push_back({path, reason});
+    }
+
+private:
+    RemovalReport& m_report;
+    // For each folder being emptied: the failures reported before it, so that a folder left
+    // non-empty because of them is not reported again.
+    std::vector<std::size_t> m_failuresBefore;
+};
 
 bool endsWithFiles(const std::string& path) {
     return path.size() > 6 && path.compare(path.size() - 6, 6, "/files") == 0;
@@ -172,7 +189,7 @@ RemovalReport removePermanently(const std::string& path, const std::string& home
         report.removed = !pathExists(*normal);
         return report;
     }
-    removeEntry(parentFd.get(), leaf, *normal, report);
+    Removal(report).run(parentFd.get(), leaf, *normal);
     report.removed =
         faccessat(parentFd.get(), leaf.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT;
     if (report.removed) {

@@ -30,9 +30,9 @@ struct RemovalReport {
 /// reported and the rest go on. When `path` is an entry of a trash's files/ folder (the home trash
 /// under `homeTrash`, or a $topdir/.Trash-$uid / .Trash/$uid), its .trashinfo and directorysizes
 /// line go too. Does not check the path against the safety rules: callers do (checkRemovablePath).
-/// Blocking; safe on any thread. Very deep trees are limited by the open-file limit (each level
-/// holds one descriptor); deeper levels are reported as failures. The item's folder is always
-/// reached from "/" without following any link: with `strict` (the removal chains and the
+/// Blocking; safe on any thread. Any depth: one folder descriptor is held at a time
+/// (folder_descent.h), so a tree deeper than the open-file limit goes too. The item's folder is
+/// always reached from "/" without following any link: with `strict` (the removal chains and the
 /// privileged helper, on a path they resolved and checked) `path` must be fully resolved, and
 /// a folder swapped for a link after the check makes the removal fail; without it the item's
 /// folder is resolved here first.

@@ -1,5 +1,8 @@
 #include "core/removal/trash.h"
 
+#include "core/fs/measure_tree.h"
+#include "core/fs/mount_table.h"
+#include "core/removal/folder_descent.h"
 #include "core/removal/folder_fd.h"
 #include "core/removal/mount_boundary.h"
 #include "core/removal/path_safety.h"
@@ -13,7 +16,6 @@
 #include <fcntl.h>
 #include <optional>
 #include <random>
-#include <set>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -57,29 +59,48 @@ bool mayHandBack(int fd, const TrashContext& context) {
 // back to the user after an administrator move, so that the user can empty the Trash. Every
 // entry is opened without following links and checked on that descriptor before it is chowned:
 // mount points (and all below them) and hard links to other people's files are left alone.
-void handBackAt(int parentFd, const std::string& name, const TrashContext& context) {
-    const FolderFd folder(openat(parentFd, name.c_str(),
-                                 O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (folder.valid()) {
-        if (isMountBoundary(parentFd, folder.get())) {
-            return;
+// Any depth (FolderDescent holds one folder descriptor at a time).
+class HandBack final : public FolderDescent {
+public:
+    explicit HandBack(const TrashContext& context) : m_context(context) {}
+
+    /// Empty when everything that was to be handed back was; else the first problem
+    /// ("path: reason").
+    const std::string& problem() const { return m_problem; }
+
+protected:
+    FolderFd enter(int parentFd, const std::string& name, const std::string& path) override {
+        FolderFd folder(openat(parentFd, name.c_str(),
+                               O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (folder.valid()) {
+            if (isMountBoundary(parentFd, folder.get())) {
+                return {};
+            }
+            if (fchown(folder.get(), m_context.uid, m_context.gid) != 0) {
+                failed(path, std::strerror(errno));
+            }
+            return folder;
         }
-        [[maybe_unused]] const int ignored = fchown(folder.get(), context.uid, context.gid);
-        std::vector<FolderEntry> entries;
-        listFolder(folder.get(), entries);
-        for (const FolderEntry& entry : entries) {
-            handBackAt(folder.get(), entry.name, context);
+        const FolderFd entry(openat(parentFd, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+        if (entry.valid() && !isMountBoundary(parentFd, entry.get()) &&
+            mayHandBack(entry.get(), m_context) &&
+            fchownat(entry.get(), "", m_context.uid, m_context.gid,
+                     AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW) != 0) {
+            failed(path, std::strerror(errno));
         }
-        return;
+        return {};
     }
-    const FolderFd entry(openat(parentFd, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    if (entry.valid() && !isMountBoundary(parentFd, entry.get()) &&
-        mayHandBack(entry.get(), context)) {
-        // Best effort, like the folders above: an entry that cannot be handed back stays as it is.
-        [[maybe_unused]] const int ignored = fchownat(entry.get(), "", context.uid, context.gid,
-                                                      AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW);
+
+    void failed(const std::string& path, const std::string& reason) override {
+        if (m_problem.empty()) {
+            m_problem = path + ": " + reason;
+        }
     }
-}
+
+private:
+    const TrashContext& m_context;
+    std::string m_problem;
+};
 
 // The trash folder with its files/ and info/ open.
 struct OpenTrash {
@@ -114,43 +135,28 @@ bool openHomeTrash(const std::string& trashDir, const TrashContext& context, Ope
 // multiply-linked inode once).
 struct FolderSurvey {
     bool holdsMount = false;
+    /// Every folder inside was read: `bytes` is whole, and the walk looked at every entry.
+    bool complete = false;
+    /// The mount table could be read (it answers for the whole tree, read or not).
+    bool mountTableRead = false;
     unsigned long long bytes = 0;
-    std::set<std::pair<dev_t, ino_t>> linked;
 };
 
-// Walks the open folder `dirFd` without following links; stops at the first mount point.
-void surveyFolder(int dirFd, FolderSurvey& survey) {
-    std::vector<FolderEntry> entries;
-    listFolder(dirFd, entries);
-    for (const FolderEntry& entry : entries) {
-        EntryStatus status;
-        if (!statEntryAt(dirFd, entry.name.c_str(), status)) {
-            continue;
-        }
-        if (status.mountPoint) {
-            survey.holdsMount = true;
-            return;
-        }
-        const struct statx& info = status.stat;
-        const bool counted =
-            S_ISDIR(info.stx_mode) || info.stx_nlink == 1 ||
-            survey.linked.emplace(makedev(info.stx_dev_major, info.stx_dev_minor), info.stx_ino)
-                .second;
-        if (counted) {
-            survey.bytes += info.stx_blocks * 512ULL;
-        }
-        if (S_ISDIR(info.stx_mode)) {
-            const FolderFd child(openat(dirFd, entry.name.c_str(), kFolderFlags));
-            if (child.valid() && isMountBoundary(dirFd, child.get())) {
-                survey.holdsMount = true;
-            } else if (child.valid()) {
-                surveyFolder(child.get(), survey);
-            }
-            if (survey.holdsMount) {
-                return;
-            }
-        }
-    }
+// Surveys the folder open at `folderFd` (at `path`, its folder resolved) with the shared walk on
+// a copy of the descriptor, staying on its file system: a mount point inside is a folder the
+// walk leaves out as one or a bind-mounted file it reports. The mount table is asked too: it
+// lists mount points below the folder also where the walk could not read.
+FolderSurvey surveyFolder(int folderFd, const std::string& path) {
+    FolderSurvey survey;
+    const CancelToken never;
+    const TreeSize size =
+        measureTreeAt(fcntl(folderFd, F_DUPFD_CLOEXEC, 0), path, MeasureOptions{}, never);
+    const MountTable mounts = MountTable::read();
+    survey.mountTableRead = !mounts.entries().empty();
+    survey.holdsMount = size.mountInside || mounts.anyBelow(path);
+    survey.complete = size.exists && size.complete;
+    survey.bytes = static_cast<unsigned long long>(size.allocated);
+    return survey;
 }
 
 // How reading a small record file of a trash went.
@@ -277,7 +283,11 @@ TrashResult moveWithInfo(int itemParent, const std::string& leaf, const OpenTras
             return result;
         }
         if (runningForAnotherUser(context)) {
-            handBackAt(trash.files.get(), name, context);
+            HandBack handBack(context);
+            handBack.run(trash.files.get(), name, trashDir + "/files/" + name);
+            if (!handBack.problem().empty()) {
+                result.handBackProblem = handBack.problem();
+            }
         }
         if (folderBytes) {
             addDirectorySize(trash, name, infoName, *folderBytes, context);
@@ -352,6 +362,10 @@ struct OpenItem {
     std::optional<unsigned long long> folderBytes; // for a folder: its size as du counts it
 };
 
+std::string realItemPath(const OpenItem& item) {
+    return (item.realParent == "/" ? "" : item.realParent) + "/" + item.leaf;
+}
+
 bool openItem(const std::string& path, const TrashContext& context, OpenItem& item,
               std::string& error) {
     const std::optional<std::string> normal = normalizeAbsolutePath(path);
@@ -394,28 +408,33 @@ bool openItem(const std::string& path, const TrashContext& context, OpenItem& it
         // Moving a folder moves whatever is mounted inside it along; that is never what was
         // meant, so such a folder stays where it is.
         const FolderFd folder(openat(item.parent.get(), item.leaf.c_str(), kFolderFlags));
+        if (folder.valid() && isMountBoundary(item.parent.get(), folder.get())) {
+            error = "a mount point cannot be moved to the Trash";
+            return false;
+        }
         FolderSurvey survey;
-        if (!folder.valid() || isMountBoundary(item.parent.get(), folder.get())) {
-            survey.holdsMount = folder.valid();
+        if (folder.valid()) {
+            survey = surveyFolder(folder.get(), realItemPath(item));
         } else {
-            surveyFolder(folder.get(), survey);
+            const MountTable mounts = MountTable::read();
+            survey.mountTableRead = !mounts.entries().empty();
+            survey.holdsMount = mounts.anyBelow(realItemPath(item));
         }
         if (survey.holdsMount) {
             error = "the folder holds a mount point; unmount it before moving the folder to the "
                     "Trash";
             return false;
         }
-        struct stat own {};
-        if (folder.valid() && fstat(folder.get(), &own) == 0) {
-            item.folderBytes =
-                survey.bytes + static_cast<unsigned long long>(own.st_blocks) * 512ULL;
+        if (!survey.complete && !survey.mountTableRead) {
+            error = "the folder could not be read whole, so it cannot be told whether it holds "
+                    "a mount point";
+            return false;
+        }
+        if (survey.complete) {
+            item.folderBytes = survey.bytes;
         }
     }
     return true;
-}
-
-std::string realItemPath(const OpenItem& item) {
-    return (item.realParent == "/" ? "" : item.realParent) + "/" + item.leaf;
 }
 
 } // namespace

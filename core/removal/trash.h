@@ -47,22 +47,32 @@ struct TrashResult {
     std::string trashedPath; ///< where the item now is (files/<name>)
     std::string infoPath;    ///< its .trashinfo
     std::string error;       ///< why it failed (empty when ok)
+    /// Moved for another user (the privileged helper), but something in it could not be given
+    /// back to them (path and reason of the first); empty otherwise. The move itself stands.
+    std::string handBackProblem;
 };
 
 /// Moves `path` (absolute; the item itself, never a link's target) to the Trash of its
 /// filesystem. The .trashinfo is created first with O_EXCL (a clash takes the next name,
 /// "name (1).ext", "name (2).ext", ...), the item is renamed into files/, and the .trashinfo is
 /// removed again if the rename fails. A trashed folder gets a directorysizes line with the size
-/// `du -B1` gives for it (its own blocks included, hard links once); a directorysizes that is
-/// not the user's own single-link file is replaced, never read. A mount point, and a folder
-/// holding one anywhere below it, is refused (moving it would move the mount along). The item's
+/// `du -B1` gives for it (its own blocks included, hard links once; measured with the shared
+/// walk, so at any depth); a directorysizes that is not the user's own single-link file is
+/// replaced, never read. A mount point, and a folder holding one anywhere below it (a folder or
+/// a bind-mounted file, found by the walk or listed below it in the mount table), is refused
+/// (moving it would move the mount along). When the walk cannot read the whole folder (an
+/// unreadable subfolder, no descriptor left), the mount table alone decides: the folder is
+/// moved when the table lists no mount point below it, but gets no directorysizes line (a
+/// partial size would be wrong; readers then measure it themselves), and it is refused when the
+/// table cannot be read either. The item's
 /// folder is resolved (unless `strictPaths`) and then reached from "/" without following links. A
 /// top-directory trash is used only when .Trash is a real folder with the sticky bit (then
 /// .Trash/$uid, created 0700) or .Trash-$uid is (or can be created as) a 0700 folder owned by
 /// `context.uid` that is not a link. When the process runs as another user than `context.uid`
 /// (the privileged helper), what it creates is given to `context.uid`/`context.gid`, and so is
 /// the moved item: each entry checked on its own descriptor, only folders, inodes with a single
-/// link and what the user owns already, never across a mount point. Blocking
+/// link and what the user owns already, never across a mount point, at any depth; what could
+/// not be handed back is named in `handBackProblem`. Blocking
 /// I/O on the caller's thread; safe on any thread.
 TrashResult moveToTrash(const std::string& path, const TrashContext& context);
 

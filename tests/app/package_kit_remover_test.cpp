@@ -129,6 +129,7 @@ class PackageKitRemoverTest : public QObject {
 
 private slots:
     void removesThroughPackageKitAndFallsBack() {
+        // QProcess, not the blocking subprocess runner: the bus must keep running beside the test.
         QProcess daemon;
         daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
         if (!daemon.waitForStarted(5000)) {

@@ -2,14 +2,15 @@
 // on the live machine.
 
 #include "platform/linux/linux_system_sampler.h"
+#include "tests/support/run_process.h"
 #include "tests/support/temp_dir.h"
 
-#include <cstdio>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace sondrel {
 namespace {
@@ -18,18 +19,10 @@ std::string fixtureRoot(const std::string& name) {
     return SONDREL_SOURCE_DIR "/tests/fixtures/proc/" + name;
 }
 
-// Standard output of a shell command line with fixed text; "" when it cannot run.
-std::string outputOf(const char* command) {
-    std::string output;
-    if (FILE* pipe = ::popen(command, "r")) {
-        char buffer[4096];
-        std::size_t count = 0;
-        while ((count = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-            output.append(buffer, count);
-        }
-        ::pclose(pipe);
-    }
-    return output;
+// Standard output of a program run in the C locale; "" when it cannot run.
+std::string outputOf(const std::vector<std::string>& argv) {
+    const test::ProcessResult result = test::runProcess(argv, {}, {{"LC_ALL", "C"}});
+    return result.exitCode == 0 ? result.out : std::string();
 }
 
 TEST(LinuxSystemSamplerTest, ReadsRecordedProcTexts) {
@@ -80,7 +73,7 @@ TEST(LinuxSystemSamplerTest, FoldersAndFifosInPlaceOfProcFilesGiveDefaults) {
 
 TEST(LinuxSystemSamplerTest, LiveMemoryAgreesWithFree) {
     // free -b: "Mem:  total used free shared buff/cache available"
-    std::istringstream lines(outputOf("LC_ALL=C free -b 2>/dev/null"));
+    std::istringstream lines(outputOf({"/usr/bin/free", "-b"}));
     std::string line;
     double total = 0;
     double available = 0;
@@ -105,7 +98,7 @@ TEST(LinuxSystemSamplerTest, LiveMemoryAgreesWithFree) {
 TEST(LinuxSystemSamplerTest, LiveDiskAgreesWithDf) {
     // df -B1 --output=size,used,avail,pcent /: a header line, then "<size> <used> <avail> N%".
     std::istringstream lines(
-        outputOf("LC_ALL=C df -B1 --output=size,used,avail,pcent / 2>/dev/null"));
+        outputOf({"/usr/bin/df", "-B1", "--output=size,used,avail,pcent", "/"}));
     std::string header;
     std::int64_t size = 0;
     std::int64_t used = 0;

@@ -2,15 +2,16 @@
 // validators, the entry launches `sondrel` with folders and names the installed icon, and the
 // About and Help texts carry the configured addresses.
 
+#include "core/util/subprocess.h"
 #include "ui/src/app_actions.h"
 #include "ui/src/tray_icon.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTest>
+#include <chrono>
 
 namespace sondrel {
 namespace {
@@ -24,11 +25,15 @@ void expectValid(const QString& program, const QStringList& arguments) {
     if (QStandardPaths::findExecutable(program).isEmpty()) {
         QSKIP(qPrintable(program + QStringLiteral(" is not installed")));
     }
-    QProcess process;
-    process.start(program, arguments);
-    QVERIFY(process.waitForFinished(60000));
-    QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
-             qPrintable(process.readAllStandardOutput() + process.readAllStandardError()));
+    SubprocessRequest request;
+    request.argv.push_back(program.toStdString());
+    for (const QString& argument : arguments) {
+        request.argv.push_back(argument.toStdString());
+    }
+    request.timeout = std::chrono::seconds(60);
+    const SubprocessResult result = runSubprocess(request);
+    QVERIFY2(result.succeeded(),
+             qPrintable(QString::fromStdString(result.startError + result.out + result.err)));
 }
 
 } // namespace

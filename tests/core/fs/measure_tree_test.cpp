@@ -2,6 +2,9 @@
 // `du -sb`, with sparse files, hard links inside and across folders, links and odd names.
 
 #include "core/fs/measure_tree.h"
+#include "tests/support/bind_mount.h"
+#include "tests/support/ordinary_user.h"
+#include "tests/support/run_process.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -16,20 +19,16 @@
 namespace sondrel {
 namespace {
 
+using test::runProcess;
 using test::TempDir;
 
-// The first number `du` prints for `path` with `flags`, or -1.
+// The first number `du -s` prints for `path` with `flags`, or -1.
 long long du(const std::string& flags, const std::string& path) {
-    const std::string command = "du -s " + flags + " -- '" + path + "' 2>/dev/null";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) {
-        return -1;
-    }
+    const test::ProcessResult result = test::runProcess({"/usr/bin/du", "-s", flags, "--", path});
     long long value = -1;
-    if (fscanf(pipe, "%lld", &value) != 1) {
+    if (std::sscanf(result.out.c_str(), "%lld", &value) != 1) {
         value = -1;
     }
-    pclose(pipe);
     return value;
 }
 
@@ -77,7 +76,7 @@ TEST(MeasureTree, EqualsDuOnGeneratedTreesWithSparseFilesAndHardLinks) {
     }
 }
 
-TEST(MeasureTree, FilesLinksNothingAndUnreadableFolders) {
+TEST(MeasureTree, FilesLinksAndNothing) {
     TempDir dir;
     const std::string file = dir.makeFile("file", 5000);
     EXPECT_EQ(measureTree(file).apparent, 5000);
@@ -94,15 +93,61 @@ TEST(MeasureTree, FilesLinksNothingAndUnreadableFolders) {
     const TreeSize missing = measureTree(dir / "missing");
     EXPECT_FALSE(missing.exists);
     EXPECT_EQ(missing.allocated, 0);
+}
 
-    if (geteuid() != 0) {
-        dir.makeFile("closed/inner/secret", 4000);
-        chmod((dir / "closed/inner").c_str(), 0);
-        const TreeSize partial = measureTree(dir / "closed");
-        EXPECT_TRUE(partial.exists);
-        EXPECT_FALSE(partial.complete);
-        chmod((dir / "closed/inner").c_str(), 0755);
+// A folder that cannot be opened adds its own blocks, as du counts them, and the figure says it
+// is not whole.
+TEST(MeasureTree, UnreadableFoldersAddTheirOwnSize) {
+    TempDir dir;
+    dir.makeFile("closed/inner/secret", 40000);
+    dir.makeFile("closed/inner/deeper/more", 40000);
+    dir.makeFile("closed/open/file", 5000);
+    for (int i = 0; i < 300; ++i) {
+        // Enough names that the closed folder's own blocks are more than the minimum.
+        dir.makeFile("closed/inner/name-long-enough-to-grow-the-folder-" + std::to_string(i), 1);
     }
+    ASSERT_EQ(chmod((dir / "closed/inner").c_str(), 0), 0);
+    const std::string closed = dir / "closed";
+    EXPECT_TRUE(test::runAsOrdinaryUser(dir.path(), [&] {
+        const TreeSize partial = measureTree(closed);
+        const long long allocated = du("-B1", closed);
+        const long long apparent = du("-b", closed);
+        if (!partial.exists || partial.complete || partial.allocated != allocated ||
+            partial.apparent != apparent) {
+            std::fprintf(stderr, "measured %lld/%lld, du %lld/%lld, complete %d\n",
+                         static_cast<long long>(partial.allocated),
+                         static_cast<long long>(partial.apparent), allocated, apparent,
+                         static_cast<int>(partial.complete));
+            return false;
+        }
+        return true;
+    }));
+    chmod((dir / "closed/inner").c_str(), 0755);
+}
+
+// A file bound over another, or a folder mounted below, is noted; the bound folder is not
+// entered (one file system), the bound file is counted as the file it shows.
+TEST(MeasureTree, MountsInsideAreNoted) {
+    TempDir dir;
+    dir.makeFile("tree/a", 10);
+    const std::string outsideFile = dir.writeFile("outside-file", "keep");
+    const std::string boundFile = dir.writeFile("tree/sub/deeper/bound", "");
+    dir.makeFile("outside/big", 100000);
+    const std::string boundFolder = dir.makeDir("tree/view");
+    EXPECT_FALSE(measureTree(dir / "tree").mountInside);
+    {
+        const test::ScopedBindMount file(outsideFile, boundFile);
+        if (!file.mounted()) {
+            GTEST_SKIP() << "bind mounts are not permitted here";
+        }
+        const TreeSize size = measureTree(dir / "tree");
+        EXPECT_TRUE(size.mountInside);
+        EXPECT_TRUE(size.complete);
+    }
+    const test::ScopedBindMount folder(dir / "outside", boundFolder);
+    const TreeSize size = measureTree(dir / "tree");
+    EXPECT_TRUE(size.mountInside);
+    EXPECT_LT(size.apparent, 100000);
 }
 
 TEST(MeasureTree, CancelGivesAnIncompleteFigure) {

@@ -4,7 +4,9 @@
 
 #include "core/removal/trash.h"
 #include "removal_test_support.h"
+#include "tests/support/ordinary_user.h"
 
+#include <cstdio>
 #include <gtest/gtest.h>
 
 namespace sondrel {
@@ -103,6 +105,55 @@ TEST(HandBack, DirectorySizesCountWhatDuCounts) {
     const std::string expected = du.out.substr(0, du.out.find('\t'));
     const std::string sizes = readFile(t.trash + "/directorysizes");
     EXPECT_EQ(sizes.substr(0, sizes.find(' ')), expected) << sizes;
+}
+
+// A folder far deeper than the open-file limit: its recorded size is still the whole of it, and
+// when trashed for another user every level is given back to them.
+TEST(HandBack, FoldersDeeperThanTheDescriptorLimit) {
+    test::TempHome t;
+    const std::string deep = t.dir.makeDir("home/deep");
+    ASSERT_TRUE(test::makeChain(deep, 600, 1 << 20));
+    const test::ProcessResult du = test::runProcess({test::systemProgram("du"), "-sB1", deep});
+    ASSERT_EQ(du.exitCode, 0) << du.err;
+    const std::string expected = du.out.substr(0, du.out.find('\t'));
+    const bool root = geteuid() == 0;
+    TrashResult result;
+    {
+        const test::DescriptorLimit limit(128);
+        result = moveToTrash(deep, root ? forAnotherUser(t) : t.context().trash);
+    }
+    ASSERT_TRUE(result.ok) << result.error;
+    EXPECT_EQ(result.handBackProblem, "");
+    const std::string sizes = readFile(t.trash + "/directorysizes");
+    EXPECT_EQ(sizes.substr(0, sizes.find(' ')), expected) << sizes;
+    if (root) {
+        std::string path = result.trashedPath;
+        for (int level = 0; level < 600; ++level) {
+            path += "/d";
+        }
+        EXPECT_EQ(statOf(path).st_uid, kUser);
+        EXPECT_EQ(statOf(path + "/leaf").st_uid, kUser);
+    }
+}
+
+// A folder the survey cannot read whole is still moved when the mount table lists no mount
+// below it, but records no size rather than a short one.
+TEST(HandBack, APartlyUnreadableFolderRecordsNoSize) {
+    test::TempHome t;
+    t.dir.writeFile("home/folder/kept", "k");
+    const std::string closed = t.dir.makeDir("home/folder/closed");
+    t.dir.writeFile("home/folder/closed/secret", "s");
+    ASSERT_EQ(chmod(closed.c_str(), 0), 0);
+    EXPECT_TRUE(test::runAsOrdinaryUser(t.dir.path(), [&] {
+        const TrashResult result = moveToTrash(t.home + "/folder", t.context().trash);
+        const std::string sizes = readFile(t.trash + "/directorysizes");
+        if (!result.ok || sizes.find(" folder\n") != std::string::npos) {
+            std::fprintf(stderr, "%s / %s\n", result.error.c_str(), sizes.c_str());
+            return false;
+        }
+        return !exists(t.home + "/folder") && exists(result.trashedPath + "/kept");
+    }));
+    chmod((t.trash + "/files/folder/closed").c_str(), 0755);
 }
 
 } // namespace

@@ -88,6 +88,30 @@ TEST(MountPoints, AFolderHoldingAMountIsNotTrashed) {
     m.expectOutsideIntact();
 }
 
+// A file bound over another a few levels down is enough to keep its folder where it is, also
+// when the walk cannot read everything (a descriptor limit below what it needs).
+TEST(MountPoints, ABindMountedFileAloneKeepsItsFolderOutOfTheTrash) {
+    test::TempHome t;
+    const std::string outsideFile = t.dir.writeFile("outside-file", "keep");
+    t.dir.writeFile("home/holder/plain", "p");
+    const std::string bound = t.dir.writeFile("home/holder/a/b/bound-file", "");
+    test::BindMount file{outsideFile, bound};
+    if (!file.mounted()) {
+        GTEST_SKIP() << "bind mounts are not permitted here (needs root)";
+    }
+    for (const rlim_t limit : {rlim_t{1024}, rlim_t{12}}) {
+        TrashResult result;
+        {
+            const test::DescriptorLimit tight(limit);
+            result = moveToTrash(t.home + "/holder", t.context().trash);
+        }
+        EXPECT_FALSE(result.ok) << limit;
+        EXPECT_NE(result.error.find("mount point"), std::string::npos) << result.error;
+        EXPECT_TRUE(exists(t.home + "/holder/plain"));
+        EXPECT_EQ(readFile(outsideFile), "keep");
+    }
+}
+
 // The privileged helper trashing for another user (root acting for uid 4242): nothing across
 // the mount is handed over, and the folder is refused before anything is moved or chowned.
 TEST(MountPoints, TrashForAnotherUserChownsNothingAcrossAMount) {

@@ -156,6 +156,33 @@ TEST(PermanentRemoval, SwapBetweenLookAndOpenNeverEscapes) {
     EXPECT_EQ(test::readFile(precious), "keep");
 }
 
+// A folder moved out of the item while its subfolder is emptied (its descriptor closed then):
+// the walk goes on in the folder it left, wherever it is now, stops where it cannot climb back
+// into the item, and touches nothing else where the folder went.
+TEST(PermanentRemoval, FolderMovedAwayMidWalkStopsTheWalkThere) {
+    test::TempDir dir;
+    const std::string outside = dir.makeDir("outside");
+    const std::string precious = dir.writeFile("outside/precious", "keep");
+    dir.writeFile("victim/a/b/file", "x");
+    const std::string victim = dir / "victim";
+    bool moved = false;
+    setRemovalRaceHookForTesting([&](const std::string& path) {
+        if (path == victim + "/a/b" && !moved) {
+            moved = rename((victim + "/a").c_str(), (outside + "/a").c_str()) == 0;
+        }
+    });
+    const RemovalReport report = removePermanently(victim);
+    setRemovalRaceHookForTesting({});
+    ASSERT_TRUE(moved);
+    EXPECT_FALSE(report.removed);
+    ASSERT_EQ(report.failures.size(), 1U);
+    EXPECT_EQ(report.failures[0].path, victim + "/a");
+    EXPECT_NE(report.failures[0].reason.find("moved out"), std::string::npos);
+    EXPECT_FALSE(exists(outside + "/a/b"));
+    EXPECT_TRUE(exists(outside + "/a"));
+    EXPECT_EQ(test::readFile(precious), "keep");
+}
+
 TEST(PermanentRemoval, ImmutableItemsFailCleanlyAndTheRestGoes) {
     test::TempDir dir;
     const std::string locked = dir.writeFile("victim/a/locked", "x");
@@ -237,6 +264,22 @@ TEST(PermanentRemoval, StaysOnOneFileSystemAndReportsReadOnly) {
     EXPECT_FALSE(readOnly.removed);
     ASSERT_FALSE(readOnly.failures.empty());
     EXPECT_EQ(test::readFile(inner.path() + "/d/one"), "1");
+}
+
+// A chain far deeper than the open-file limit goes whole (each level used to hold a descriptor).
+TEST(PermanentRemoval, ChainsDeeperThanTheDescriptorLimit) {
+    test::TempDir dir;
+    const std::string victim = dir.makeDir("victim");
+    ASSERT_TRUE(test::makeChain(victim, 600, 10));
+    RemovalReport report;
+    {
+        const test::DescriptorLimit limit(32);
+        report = removePermanently(victim);
+    }
+    EXPECT_TRUE(report.removed);
+    EXPECT_TRUE(report.failures.empty()) << report.failures.front().reason;
+    EXPECT_EQ(report.removedEntries, 602U);
+    EXPECT_FALSE(exists(victim));
 }
 
 } // namespace

@@ -6,12 +6,14 @@
 #include "tests/support/run_process.h"
 #include "tests/support/temp_dir.h"
 
+#include <fcntl.h>
 #include <fstream>
 #include <iterator>
 #include <sched.h>
 #include <sstream>
 #include <string>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -115,6 +117,48 @@ private:
     std::string m_target;
     bool m_mounted = false;
 };
+
+/// Lowers the soft open-file limit to `limit` for its lifetime (restored on destruction).
+class DescriptorLimit {
+public:
+    explicit DescriptorLimit(rlim_t limit) {
+        getrlimit(RLIMIT_NOFILE, &m_saved);
+        rlimit tight = m_saved;
+        tight.rlim_cur = limit;
+        setrlimit(RLIMIT_NOFILE, &tight);
+    }
+    DescriptorLimit(const DescriptorLimit&) = delete;
+    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
+    ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &m_saved); }
+
+private:
+    rlimit m_saved{};
+};
+
+/// Makes `levels` nested folders "d" in the existing folder `top` (each made relative to the one
+/// above, so any depth works) and a file "leaf" of `leafBytes` bytes in the deepest. False when
+/// something could not be made.
+inline bool makeChain(const std::string& top, int levels, std::size_t leafBytes) {
+    int fd = open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (int level = 0; fd >= 0 && level < levels; ++level) {
+        const int next =
+            mkdirat(fd, "d", 0755) == 0 ? openat(fd, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
+        close(fd);
+        fd = next;
+    }
+    if (fd < 0) {
+        return false;
+    }
+    const int leaf = openat(fd, "leaf", O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    const std::string content(leafBytes, 'x');
+    const bool written =
+        leaf >= 0 && write(leaf, content.data(), content.size()) == static_cast<ssize_t>(leafBytes);
+    if (leaf >= 0) {
+        close(leaf);
+    }
+    close(fd);
+    return written;
+}
 
 /// How `gio list -a trash::orig-path` prints a byte string: control bytes, DEL and bytes of
 /// 0x80 and above and the backslash as "\xNN".
